@@ -1,0 +1,90 @@
+# What every folder's CMakeLists.txt uses: flags, header libraries, test programs.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+set(KOVA_SANITIZE "" CACHE STRING "Sanitizers for everything, as -fsanitize takes them")
+set(KOVA_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "GoogleTest's sources (Debian: googletest)")
+set(KOVA_HOME_DIR "${CMAKE_BINARY_DIR}/home" CACHE PATH "The runnable home folder that the build assembles")
+set(KOVA_DEPS_DIR "${CMAKE_SOURCE_DIR}/build/deps" CACHE PATH "Where scripts/setup unpacks Debian's source packages")
+find_package(Threads REQUIRED)
+
+if(KOVA_SANITIZE)
+  add_compile_options(-fsanitize=${KOVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${KOVA_SANITIZE})
+endif()
+
+# Our own code only: third-party sources keep their own warnings.
+add_library(kova_flags INTERFACE)
+target_compile_options(kova_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Werror)
+target_include_directories(kova_flags INTERFACE "${CMAKE_SOURCE_DIR}/src")
+
+# A header-only library from Debian. Its folder is linked into the build's own include folder, because a cross compiler
+# must not see the host's /usr/include.
+function(kova_find_header_library folder header package)
+  find_path(KOVA_${folder}_INCLUDE "${header}" PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH)
+  if(NOT KOVA_${folder}_INCLUDE)
+    message(FATAL_ERROR "${header} is missing. Install it: apt-get install ${package}")
+  endif()
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+  file(CREATE_LINK "${KOVA_${folder}_INCLUDE}/${folder}" "${CMAKE_BINARY_DIR}/include/${folder}" SYMBOLIC)
+endfunction()
+add_library(kova_header_libraries INTERFACE)
+target_include_directories(kova_header_libraries SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+
+# GoogleTest, Google Benchmark and libcsv are built here from Debian's sources, with the flags of the preset and for its
+# platform: the sanitizers and the cross compiler need their own builds.
+macro(kova_add_third_party)
+  set(INSTALL_GTEST OFF)
+  add_subdirectory("${KOVA_GOOGLETEST_DIR}" googletest EXCLUDE_FROM_ALL SYSTEM)
+
+  foreach(option ENABLE_TESTING ENABLE_INSTALL ENABLE_WERROR ENABLE_DOXYGEN INSTALL_DOCS)
+    set(BENCHMARK_${option} OFF CACHE BOOL "" FORCE)
+  endforeach()
+  set(GIT_VERSION 0.0.0)  # Debian leaves the version to the caller; 0.0.0 stands for the project's own.
+  add_subdirectory("${KOVA_DEPS_DIR}/benchmark" benchmark EXCLUDE_FROM_ALL SYSTEM)
+
+  add_library(csv STATIC EXCLUDE_FROM_ALL "${KOVA_DEPS_DIR}/libcsv/libcsv.c")
+  target_include_directories(csv SYSTEM PUBLIC "${KOVA_DEPS_DIR}/libcsv")
+  set_target_properties(csv PROPERTIES C_STANDARD 90)
+endmacro()
+
+# Adds sources to the library proper (see src/CMakeLists.txt).
+function(kova_sources)
+  target_sources(kova_core PRIVATE ${ARGN})
+endfunction()
+
+# kova_test(name FILE... [FAKE] [LIBS lib...] [TIMEOUT seconds]): one GoogleTest program and one CTest entry. FAKE links
+# the in-memory backend in place of the platform's.
+function(kova_test name)
+  if(KOVA_FUZZ)
+    return()
+  endif()
+  cmake_parse_arguments(T "FAKE" "TIMEOUT" "LIBS" ${ARGN})
+  add_executable(${name} ${T_UNPARSED_ARGUMENTS})
+  if(T_FAKE)
+    target_link_libraries(${name} PRIVATE kova_flags kova_core kova_os_fake ${T_LIBS} gmock gtest_main)
+  else()
+    target_link_libraries(${name} PRIVATE kova_flags kova_core kova_os ${T_LIBS} gmock gtest_main)
+  endif()
+  target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
+  target_compile_definitions(${name} PRIVATE KOVA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" KOVA_HOME_DIR="${KOVA_HOME_DIR}")
+  add_test(NAME ${name} COMMAND ${name})
+  if(NOT T_TIMEOUT)
+    set(T_TIMEOUT 120)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${T_TIMEOUT})
+endfunction()
+
+# Puts files into the build's home folder, after `target` is built.
+function(kova_home target)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${CMAKE_COMMAND} -E make_directory "${KOVA_HOME_DIR}"
+    COMMAND ${CMAKE_COMMAND} -E copy_if_different ${ARGN} "${KOVA_HOME_DIR}"
+    VERBATIM)
+endfunction()

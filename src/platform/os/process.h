@@ -1,0 +1,68 @@
+// Processes: this one and the ones that it starts.
+#ifndef KOVADX_PLATFORM_OS_PROCESS_H
+#define KOVADX_PLATFORM_OS_PROCESS_H
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/os/error.h"
+
+namespace kova::os {
+
+// The id of this process, the one that pipe names are made of.
+std::uint32_t CurrentProcessId();
+
+// What a new process is made from. It gets the standard streams of this one, no other handle or descriptor.
+struct ProcessStart {
+  std::string program;                                           // A path, or a name that PATH is searched for.
+  std::vector<std::string> arguments;                            // Without the program itself.
+  std::vector<std::pair<std::string, std::string>> environment;  // Set beside this process's own; "" removes.
+  bool endsWithParent = false;  // It is killed when this process ends, however that ends.
+};
+
+// One started process. Owns its handle; destruction neither ends nor waits for the process. One thread at a time, save
+// for Terminate.
+class Process {
+ public:
+  Process() = default;
+  Process(Process&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
+  Process& operator=(Process&& other) noexcept {
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+  Process(const Process&) = delete;
+  Process& operator=(const Process&) = delete;
+  ~Process();
+
+  // Starts a program. 2 when there is none of that name, 5 when it may not be run, 193 when it is no program. With
+  // endsWithParent it must be called on a thread that lives as long as the process should.
+  static Error Start(const ProcessStart& start, Process* out);
+
+  std::uint32_t Id() const;
+
+  // Waits for the end, at most that time (kWaitForever of named_pipe.h: no limit). 258 when it still runs. *exitCode is
+  // the program's own, or 128 + the signal that ended it.
+  Error Wait(std::uint32_t timeoutMs, int* exitCode);
+
+  // Asks the program to end, as Ctrl-C would; a platform without such a request answers 50.
+  Error Interrupt();
+
+  // Ends the program at once. 0 also when it has ended already.
+  Error Terminate();
+
+  // True when a process was started and not moved away.
+  explicit operator bool() const { return handle_ != nullptr; }
+
+ private:
+  void* handle_ = nullptr;
+};
+
+// Has `handler` called, on a thread of its own choosing, when the user asks this program to end (Ctrl-C, SIGINT,
+// SIGTERM, a closed console). The handler may only store flags and signal events. Null restores the platform's way.
+Error SetEndRequestHandler(void (*handler)());
+
+}  // namespace kova::os
+
+#endif
