@@ -23,6 +23,7 @@ constexpr Error kSemTimeout = 121;
 constexpr Error kFileNameTooLong = 206;
 constexpr Error kPipeBusy = 231;
 constexpr Error kNoData = 232;  // Write to a pipe whose reader has gone; read of an empty no-wait pipe.
+constexpr Error kPipeNotConnected = 233;  // Read of a server end after it disconnected its client.
 constexpr Error kMoreData = 234;
 constexpr Error kWaitTimeout = 258;
 constexpr Error kPipeConnected = 535;

@@ -54,7 +54,8 @@ Error SetNoWaitMode(NativeHandle pipe);
 // come yet, 233 after a disconnect, 995 when cancelled.
 Error ReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read);
 
-// As ReadMessage, but 232 at once when no message is there.
+// As ReadMessage, but 232 at once when no message is there. A platform whose look does not show a message of no bytes
+// gives 232 for it too; ReadMessage gets it then.
 Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read);
 
 // Writes one message. Waits while the pipe is full. 232 when the peer has gone. Raises no signal.

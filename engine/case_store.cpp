@@ -1,0 +1,54 @@
+#include "engine/case_store.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kova::engine {
+namespace {
+
+constexpr std::uint64_t kBlanks = 0x2020202020202020;
+
+std::size_t unitsOf(int width) { return width <= 8 ? 1 : static_cast<std::size_t>((width + 7) / 8); }
+
+}  // namespace
+
+CaseStore::CaseStore(const std::vector<int>& widths) {
+  for (const int width : widths) {
+    slots_.push_back({caseUnits_, unitsOf(width), static_cast<std::size_t>(width)});
+    caseUnits_ += slots_.back().units;
+    emptyCase_.resize(caseUnits_, width == 0 ? std::bit_cast<std::uint64_t>(kSystemMissing) : kBlanks);
+  }
+}
+
+void CaseStore::appendCase() { units_.insert(units_.end(), emptyCase_.begin(), emptyCase_.end()); }
+
+void CaseStore::setNumber(std::size_t position, std::size_t variable, double value) {
+  std::memcpy(bytesOf(position, variable), &value, sizeof value);
+}
+
+void CaseStore::setText(std::size_t position, std::size_t variable, std::string_view text) {
+  const Slot& slot = slots_[variable];
+  char* bytes = bytesOf(position, variable);
+  std::memset(bytes, ' ', slot.units * kUnitBytes);
+  if (!text.empty()) std::memcpy(bytes, text.data(), std::min(slot.width, text.size()));
+}
+
+double CaseStore::number(std::size_t position, std::size_t variable) const {
+  double value = 0;
+  std::memcpy(&value, bytesOf(position, variable), sizeof value);
+  return value;
+}
+
+std::string CaseStore::text(std::size_t position, std::size_t variable) const {
+  return {bytesOf(position, variable), slots_[variable].width};
+}
+
+char* CaseStore::bytesOf(std::size_t position, std::size_t variable) {
+  return reinterpret_cast<char*>(units_.data() + position * caseUnits_ + slots_[variable].first);
+}
+
+const char* CaseStore::bytesOf(std::size_t position, std::size_t variable) const {
+  return reinterpret_cast<const char*>(units_.data() + position * caseUnits_ + slots_[variable].first);
+}
+
+}  // namespace kova::engine

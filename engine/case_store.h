@@ -1,0 +1,66 @@
+// The cases of a data set, stored as they travel: a case is a run of units of 8 bytes. A number takes one unit, an IEEE
+// double; a string of width w takes 1 unit when w <= 8, else (w + 7) / 8, its text padded with blanks. A batch of cases
+// is thus one piece of this memory.
+//
+// It owns the cases. One thread at a time uses it.
+#ifndef KOVADX_ENGINE_CASE_STORE_H
+#define KOVADX_ENGINE_CASE_STORE_H
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kova::engine {
+
+// The value that stands for "no value" in a numeric variable: the most negative finite double.
+constexpr double kSystemMissing = std::bit_cast<double>(std::uint64_t{0xFFEFFFFFFFFFFFFF});
+
+constexpr std::size_t kUnitBytes = 8;
+
+class CaseStore {
+ public:
+  CaseStore() = default;
+
+  // For variables of these widths in bytes, 0 for a number.
+  explicit CaseStore(const std::vector<int>& widths);
+
+  std::size_t caseCount() const { return caseUnits_ == 0 ? 0 : units_.size() / caseUnits_; }
+  std::size_t caseBytes() const { return caseUnits_ * kUnitBytes; }
+
+  // The first unit of a variable within a case.
+  std::size_t firstUnit(std::size_t variable) const { return slots_[variable].first; }
+
+  // Adds a case of system-missing numbers and blank strings.
+  void appendCase();
+
+  // One value. Positions must exist and the kind must be the variable's. A text longer than the variable is cut.
+  void setNumber(std::size_t position, std::size_t variable, double value);
+  void setText(std::size_t position, std::size_t variable, std::string_view text);
+  double number(std::size_t position, std::size_t variable) const;
+  std::string text(std::size_t position, std::size_t variable) const;  // Of the variable's width, blanks included.
+
+  // All cases, one behind the other; valid until the next change.
+  const void* data() const { return units_.data(); }
+
+ private:
+  struct Slot {
+    std::size_t first;
+    std::size_t units;
+    std::size_t width;
+  };
+
+  char* bytesOf(std::size_t position, std::size_t variable);
+  const char* bytesOf(std::size_t position, std::size_t variable) const;
+
+  std::vector<Slot> slots_;
+  std::vector<std::uint64_t> emptyCase_;
+  std::vector<std::uint64_t> units_;
+  std::size_t caseUnits_ = 0;
+};
+
+}  // namespace kova::engine
+
+#endif

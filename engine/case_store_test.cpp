@@ -1,0 +1,73 @@
+#include "engine/case_store.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace kova::engine {
+namespace {
+
+std::string bytesOf(const CaseStore& cases) {
+  return {static_cast<const char*>(cases.data()), cases.caseCount() * cases.caseBytes()};
+}
+
+TEST(CaseStore, GivesEachWidthItsUnits) {
+  struct Row {
+    int width;
+    std::size_t units;
+  };
+  for (const Row row : {Row{0, 1}, Row{1, 1}, Row{8, 1}, Row{9, 2}, Row{16, 2}, Row{17, 3}, Row{32767, 4096}}) {
+    EXPECT_EQ(CaseStore({row.width}).caseBytes(), row.units * 8) << "width " << row.width;
+  }
+}
+
+TEST(CaseStore, ANewCaseIsMissingAndBlank) {
+  CaseStore cases({0, 3, 12});
+  cases.appendCase();
+  EXPECT_EQ(bytesOf(cases), std::string("\xFF\xFF\xFF\xFF\xFF\xFF\xEF\xFF", 8) + std::string(24, ' '));
+}
+
+TEST(CaseStore, StoresACaseAsItTravels) {
+  CaseStore cases({0, 9, 0});
+  cases.appendCase();
+  cases.setNumber(0, 0, 1.0);
+  cases.setText(0, 1, "Chinstrap");
+  cases.setNumber(0, 2, -2.5);
+  const std::string expected =
+      std::string("\0\0\0\0\0\0\xF0\x3F", 8) + "Chinstrap       " + std::string("\0\0\0\0\0\0\x04\xC0", 8);
+  EXPECT_EQ(bytesOf(cases), expected);
+  EXPECT_EQ(cases.firstUnit(2), 3U);
+}
+
+TEST(CaseStore, ReadsBackWhatWasStored) {
+  CaseStore cases({0, 3});
+  for (int i = 0; i < 1000; ++i) {
+    cases.appendCase();
+    cases.setNumber(static_cast<std::size_t>(i), 0, i);
+  }
+  cases.setText(999, 1, "ab");
+  EXPECT_EQ(cases.caseCount(), 1000U);
+  EXPECT_EQ(cases.number(500, 0), 500.0);
+  EXPECT_EQ(cases.text(999, 1), "ab ");
+  EXPECT_EQ(cases.text(0, 1), "   ");
+}
+
+TEST(CaseStore, AShorterTextLeavesNothingOfTheLongerOne) {
+  CaseStore cases({9});
+  cases.appendCase();
+  cases.setText(0, 0, "Chinstrap");
+  cases.setText(0, 0, "Gentoo");
+  EXPECT_EQ(cases.text(0, 0), "Gentoo   ");
+}
+
+TEST(CaseStore, CutsATextAtTheVariablesWidth) {
+  CaseStore cases({3});
+  cases.appendCase();
+  cases.setText(0, 0, "abcdef");
+  EXPECT_EQ(bytesOf(cases), "abc     ");
+}
+
+TEST(CaseStore, WithoutVariablesThereAreNoCases) { EXPECT_EQ(CaseStore().caseCount(), 0U); }
+
+}  // namespace
+}  // namespace kova::engine

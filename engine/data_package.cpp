@@ -1,0 +1,165 @@
+#include "engine/data_package.h"
+
+#include <algorithm>
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "engine/csv_rows.h"
+#include "engine/data_problem.h"
+#include "engine/resource.h"
+#include "engine/text_file.h"
+
+namespace kova::engine {
+namespace {
+
+constexpr std::string_view kDescriptorName = "datapackage.json";
+
+// The table of a resource. Two walks over it: the first checks every row's shape and finds the widths of the strings
+// that have none, the second stores the values.
+class TableReader {
+ public:
+  explicit TableReader(Resource resource) : resource_(std::move(resource)), text_(readTextFile(resource_.tablePath)) {}
+
+  DataSet read() {
+    checkUtf8();
+    walk([this](const CsvRow& row) { measureRow(row); });
+    if (!hasHeading_) fail(1, 0, quotedText(resource_.fields[0].variable.name) + " as heading", "nothing");
+    DataSet dataSet;
+    dataSet.name = resource_.name;
+    dataSet.cases = CaseStore(takeWidths());
+    walk([&](const CsvRow& row) { storeRow(row, &dataSet.cases); });
+    for (Field& field : resource_.fields) dataSet.variables.push_back(std::move(field.variable));
+    return dataSet;
+  }
+
+ private:
+  template <typename Visit>
+  void walk(Visit visit) {
+    hasHeading_ = false;
+    forEachCsvRow(resource_.tablePath, text_, resource_.delimiter, [&](const CsvRow& row) {
+      if (hasHeading_) {
+        visit(row);
+      } else {
+        checkHeading(row);
+      }
+    });
+  }
+
+  void checkUtf8() const {
+    const std::size_t offset = findInvalidUtf8(text_);
+    if (offset == std::string::npos) return;
+    const auto [row, column] = positionOf(text_, offset);
+    const std::string_view line = std::string_view(text_).substr(offset - (column - 1), column - 1);
+    const auto field = static_cast<std::size_t>(std::count(line.begin(), line.end(), resource_.delimiter)) + 1;
+    throw DataProblem(problemLine({resource_.tablePath, row, field, ""}, "text in UTF-8", "a byte that is not"));
+  }
+
+  void checkHeading(const CsvRow& row) {
+    hasHeading_ = true;
+    checkCount(row);
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      const std::string& name = resource_.fields[i].variable.name;
+      if (row.values[i] != name) fail(row.row, i, "the heading " + quotedText(name), quotedText(row.values[i]));
+    }
+  }
+
+  void checkCount(const CsvRow& row) const {
+    const std::size_t count = row.values.size();
+    const std::size_t expected = resource_.fields.size();
+    if (count == expected) return;
+    const Place place{resource_.tablePath, row.row, std::min(count, expected) + 1, ""};
+    throw DataProblem(problemLine(place, std::to_string(expected) + " values", std::to_string(count)));
+  }
+
+  void measureRow(const CsvRow& row) {
+    checkCount(row);
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      Field& field = resource_.fields[i];
+      if (!field.isText() || field.meansNoValue(row.values[i])) continue;
+      const auto size = std::min<std::size_t>(row.values[i].size(), kWidestString + 1);
+      const auto widest = static_cast<std::size_t>(field.widthFromData ? kWidestString : field.variable.width);
+      if (size > widest) {
+        fail(row.row, i, "at most " + std::to_string(widest) + " bytes", std::to_string(row.values[i].size()));
+      }
+      if (field.widthFromData) field.variable.width = std::max(field.variable.width, static_cast<int>(size));
+    }
+  }
+
+  // A string is also as wide as its labelled and missing values.
+  std::vector<int> takeWidths() {
+    std::vector<int> widths;
+    for (Field& field : resource_.fields) {
+      Variable& variable = field.variable;
+      if (field.widthFromData) {
+        for (const auto& label : variable.textLabels) widen(label.value, &variable);
+        for (const std::string& text : variable.missing.texts) widen(text, &variable);
+      }
+      if (variable.format.width == 0) variable.format.width = variable.width;
+      widths.push_back(variable.width);
+    }
+    return widths;
+  }
+
+  static void widen(const std::string& text, Variable* variable) {
+    variable->width = std::max(variable->width, static_cast<int>(text.size()));
+  }
+
+  void storeRow(const CsvRow& row, CaseStore* cases) const {
+    const std::size_t position = cases->caseCount();
+    cases->appendCase();
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      const Field& field = resource_.fields[i];
+      const std::string& text = row.values[i];
+      if (field.meansNoValue(text)) continue;
+      if (field.isText()) {
+        cases->setText(position, i, text);
+      } else if (const auto number = numberOf(field, text)) {
+        cases->setNumber(position, i, *number);
+      } else {
+        fail(row.row, i, expectationOf(field), quotedText(text));
+      }
+    }
+  }
+
+  [[noreturn]] void fail(std::size_t row, std::size_t index, const std::string& expected,
+                         const std::string& found) const {
+    const Place place{resource_.tablePath, row, index + 1, resource_.fields[index].variable.name};
+    throw DataProblem(problemLine(place, expected, found));
+  }
+
+  Resource resource_;
+  std::string text_;
+  bool hasHeading_ = false;
+};
+
+bool isFolderOfDescriptor(const std::string& path) {
+  constexpr std::string_view kEnding = ".json";
+  return path.size() < kEnding.size() || path.compare(path.size() - kEnding.size(), kEnding.size(), kEnding) != 0;
+}
+
+std::string descriptorOf(const std::string& path) {
+  if (!isFolderOfDescriptor(path)) return path;
+  const bool hasSeparator = !path.empty() && (path.back() == '/' || path.back() == '\\');
+  return path + (hasSeparator || path.empty() ? "" : "/") + std::string(kDescriptorName);
+}
+
+}  // namespace
+
+bool readDataPackage(const std::string& path, DataSet* dataSet, std::string* problem) noexcept {
+  try {
+    *dataSet = TableReader(readResource(descriptorOf(path))).read();
+    return true;
+  } catch (const std::bad_alloc&) {
+    problem->assign("no memory");  // Short enough to need none.
+  } catch (const std::exception& error) {
+    try {
+      *problem = error.what();
+    } catch (const std::exception&) {
+      problem->assign("no memory");
+    }
+  }
+  return false;
+}
+
+}  // namespace kova::engine

@@ -1,0 +1,220 @@
+// Every malformed descriptor and table with its exact line.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "engine/data_package.h"
+#include "engine/scratch_folder.h"
+
+namespace kova::engine {
+namespace {
+
+// What a package of these two files is refused with, the folder's path taken off. The data set must stay untouched.
+std::string problemOf(const std::string& descriptor, const std::string& table) {
+  const ScratchFolder folder;
+  folder.write("datapackage.json", descriptor);
+  folder.write("t.csv", table);
+  DataSet dataSet;
+  dataSet.name = "untouched";
+  std::string problem;
+  EXPECT_FALSE(readDataPackage(folder.path(), &dataSet, &problem)) << descriptor << table;
+  EXPECT_EQ(dataSet.name, "untouched");
+  EXPECT_EQ(problem.find('\n'), std::string::npos) << problem;
+  const std::string start = folder.path() + "/";
+  return problem.find(start) == 0 ? problem.substr(start.size()) : problem;
+}
+
+std::string withFields(const std::string& fields) {
+  return R"({"resources": [{"path": "t.csv", "schema": {"fields": [)" + fields + "]}}]}";
+}
+
+std::string withResource(const std::string& properties) { return R"({"resources": [{)" + properties + "}]}"; }
+
+struct Row {
+  const char* label;
+  std::string text;
+  const char* problem;
+};
+
+// A descriptor in which '^' marks the place that the problem is to name, and the rest of its line.
+struct MarkedRow {
+  const char* label;
+  std::string text;
+  const char* problem;
+};
+
+void expectProblem(const MarkedRow& row, const std::string& text) {
+  const auto mark = text.find('^');
+  ASSERT_NE(mark, std::string::npos) << row.label;
+  const std::string before = text.substr(0, mark);
+  const auto lines = std::count(before.begin(), before.end(), '\n');
+  const auto column = mark - (before.rfind('\n') + 1) + 1;
+  EXPECT_EQ(problemOf(before + text.substr(mark + 1), ""),
+            "datapackage.json, row " + std::to_string(lines + 1) + ", column " + std::to_string(column) + row.problem)
+      << row.label;
+}
+
+TEST(DescriptorProblems, OfJson) {
+  const MarkedRow rows[] = {
+      {"empty", "^", ": expected JSON, found end of input"},
+      {"no end", "{\n \"resources\": [^", ": expected JSON, found end of input"},
+      {"a comma too many", "{\"a\": 1,^}", ": expected JSON, found '}'"},
+      {"two values", "{} ^{}", ": expected JSON, found '{'"},
+      {"a wrong word", "{\"a\": tr^x}", ": expected JSON, found invalid literal"},
+      {"another encoding", "{\"t\":\n\"caf^\xE9\"}", ": expected text in UTF-8, found a byte that is not"},
+      {"no object", "^[]", ": expected an object, found a list"},
+      {"a number", " ^17", ": expected an object, found 17"},
+  };
+  for (const MarkedRow& row : rows) expectProblem(row, row.text);
+}
+
+TEST(DescriptorProblems, OfResources) {
+  const MarkedRow rows[] = {
+      {"no resources", "^{\n  \"name\": \"x\"\n}", " (resources): expected a list, found nothing"},
+      {"no list", "{\"resources\": ^\"x\"}", " (resources): expected a list, found \"x\""},
+      {"an empty list", "{\n\"resources\": ^[]}", " (resources): expected at least one resource, found a list"},
+      {"no path", R"({"resources": [^{}]})", " (resources/0/path): expected a text, found nothing"},
+      {"two paths", withResource(R"("path": ^["a", "b"])"), " (resources/0/path): expected a text, found a list"},
+      {"compressed", withResource(R"("path": "t.csv", "compression": ^"gz")"),
+       " (resources/0/compression): expected a table that is not compressed, found \"gz\""},
+      {"another format", withResource(R"("path": "t.csv", "format": ^"xlsx")"),
+       " (resources/0/format): expected \"csv\", found \"xlsx\""},
+      {"another encoding", withResource(R"("path": "t.csv", "encoding": ^"latin1")"),
+       " (resources/0/encoding): expected \"utf-8\", found \"latin1\""},
+      {"a dialect without headings", withResource(R"("path": "t.csv", "dialect": {"header": ^false})"),
+       " (resources/0/dialect/header): expected true, found false"},
+      {"an unknown dialect", withResource(R"("path": "t.csv", "dialect": {"commentChar": ^"#"})"),
+       " (resources/0/dialect/commentChar): expected no dialect but delimiter, found \"#\""},
+      {"a delimiter of two", withResource(R"("path": "t.csv", "dialect": {"delimiter": ^"||"})"),
+       " (resources/0/dialect/delimiter): expected one character of one byte, found \"||\""},
+      {"no schema", R"({"resources": [^{"path": "t.csv"}]})",
+       " (resources/0/schema): expected an object, found nothing"},
+      {"a schema elsewhere", withResource(R"("path": "t.csv", "schema": ^"s.json")"),
+       " (resources/0/schema): expected an object, found \"s.json\""},
+  };
+  for (const MarkedRow& row : rows) expectProblem(row, row.text);
+}
+
+TEST(DescriptorProblems, OfPathsThatLeaveTheFolder) {
+  for (const char* path : {"/etc/passwd", "../t.csv", "a/../../t.csv", "a/..", "..\\t.csv", "\\\\server\\t.csv",
+                           "C:\\t.csv", "http://localhost/t.csv", ""}) {
+    std::string escaped;
+    for (const char* c = path; *c != 0; ++c) escaped += *c == '\\' ? "\\\\" : std::string(1, *c);
+    const std::string found = *path == 0 ? "nothing" : "\"" + std::string(path) + "\"";
+    EXPECT_EQ(problemOf(withResource("\"path\": \"" + escaped + "\""), ""),
+              "datapackage.json, row 1, column 25 (resources/0/path): expected a path inside the descriptor's folder, "
+              "relative to it and without \"..\", found " +
+                  found);
+  }
+}
+
+TEST(DescriptorProblems, OfFields) {
+  const MarkedRow rows[] = {
+      {"no name", R"(^{})", " (resources/0/schema/fields/0/name): expected a text, found nothing"},
+      {"an empty name", R"({"name": ^""})",
+       " (resources/0/schema/fields/0/name): expected a name of 1 to 64 bytes, found nothing"},
+      {"a name twice", R"({"name": "a"}, {"name": ^"A"})",
+       " (resources/0/schema/fields/1/name): expected a name that no other field has, found \"A\""},
+      {"an unknown type", R"({"name": "a", "type": ^"geojson"})",
+       " (resources/0/schema/fields/0/type): expected one of string, number, integer, boolean, date, time, datetime, "
+       "found \"geojson\""},
+      {"another decimal mark", R"({"name": "a", "type": "number", "decimalChar": ^","})",
+       " (resources/0/schema/fields/0/decimalChar): expected \".\", found \",\""},
+      {"another date format", R"({"name": "a", "type": "date", "format": ^"%d.%m.%Y"})",
+       " (resources/0/schema/fields/0/format): expected \"default\", found \"%d.%m.%Y\""},
+      {"an unknown measure", R"({"name": "a", "x-kova": {"measure": ^"ratio"}})",
+       " (resources/0/schema/fields/0/x-kova/measure): expected one of nominal, ordinal, scale, found \"ratio\""},
+      {"an unknown role", R"({"name": "a", "x-kova": {"role": ^1}})",
+       " (resources/0/schema/fields/0/x-kova/role): expected a text, found 1"},
+      {"a width of nothing", R"({"name": "a", "x-kova": {"width": ^0}})",
+       " (resources/0/schema/fields/0/x-kova/width): expected a width of 1 to 32767 bytes, found 0"},
+      {"a negative width", R"({"name": "a", "x-kova": {"width": ^-1}})",
+       " (resources/0/schema/fields/0/x-kova/width): expected a width of 1 to 32767 bytes, found -1"},
+      {"a huge width", R"({"name": "a", "x-kova": {"width": ^18446744073709551615}})",
+       " (resources/0/schema/fields/0/x-kova/width): expected a width of 1 to 32767 bytes, found 18446744073709551615"},
+      {"a width of a number", R"({"name": "a", "type": "number", "x-kova": {"width": ^8}})",
+       " (resources/0/schema/fields/0/x-kova/width): expected no width, which only a string field has, found 8"},
+      {"a format of the other kind", R"({"name": "a", "x-kova": {"format": ^"F8.2"}})",
+       " (resources/0/schema/fields/0/x-kova/format): expected a format of texts, as A20, found \"F8.2\""},
+      {"no format", R"({"name": "a", "type": "number", "x-kova": {"format": ^"fine"}})",
+       " (resources/0/schema/fields/0/x-kova/format): expected a format of numbers, as F8.2, found \"fine\""},
+      {"an unknown key", R"({"name": "a", "x-kova": {"roll": ^"input"}})",
+       " (resources/0/schema/fields/0/x-kova/roll): expected no keys but measure, format, width, role, found "
+       "\"input\""},
+      {"a category of the other type", R"({"name": "a", "type": "integer", "categories": [1, ^"x"]})",
+       " (resources/0/schema/fields/0/categories/1): expected a whole number, found \"x\""},
+      {"a category without value", R"({"name": "a", "type": "integer", "categories": [^{"label": "x"}]})",
+       " (resources/0/schema/fields/0/categories/0/value): expected a value, found nothing"},
+      {"a category that is too long", R"({"name": "a", "x-kova": {"width": 2}, "categories": [^"abc"]})",
+       " (resources/0/schema/fields/0/categories/0): expected at most 2 bytes, found \"abc\""},
+      {"order that is no truth", R"({"name": "a", "categories": ["x"], "categoriesOrdered": ^"yes"})",
+       " (resources/0/schema/fields/0/categoriesOrdered): expected true or false, found \"yes\""},
+      {"a missing value that is no text", R"({"name": "a", "type": "integer", "missingValues": [^9]})",
+       " (resources/0/schema/fields/0/missingValues/0): expected a text, found 9"},
+      {"four missing values", R"({"name": "a", "type": "integer", "missingValues": ["6", "7", "", "8", ^"9"]})",
+       " (resources/0/schema/fields/0/missingValues/4): expected at most three user-missing values, found \"9\""},
+      {"no words for true", R"({"name": "a", "type": "boolean", "trueValues": ^[]})",
+       " (resources/0/schema/fields/0/trueValues): expected at least one text, found a list"},
+  };
+  for (const MarkedRow& row : rows) expectProblem(row, withFields(row.text));
+}
+
+TEST(DescriptorProblems, OfASchemaWithoutFields) {
+  EXPECT_EQ(
+      problemOf(withFields(""), ""),
+      "datapackage.json, row 1, column 56 (resources/0/schema/fields): expected at least one field, found a list");
+}
+
+TEST(DescriptorProblems, CountRowsAndColumnsThroughNestedValues) {
+  const std::string descriptor =
+      "{\n"
+      "  \"a\\\"}\": [1, {\"resources\": [null, \"]\"]}],\n"
+      "  \"resources\": [ {\n"
+      "    \"schema\": {\"fields\": 5},\n"
+      "    \"path\": \"t.csv\"\n"
+      "  } ]\n"
+      "}";
+  EXPECT_EQ(problemOf(descriptor, ""),
+            "datapackage.json, row 4, column 26 (resources/0/schema/fields): expected a list, found 5");
+}
+
+TEST(TableProblems, HaveTheirRowAndColumn) {
+  const std::string descriptor = withFields(
+      R"({"name": "id", "type": "integer"}, {"name": "when", "type": "date"}, {"name": "s", "x-kova": {"width": 3}},
+         {"name": "b", "type": "boolean", "missingValues": []})");
+  const Row rows[] = {
+      {"empty", "", "t.csv, row 1, column 1 (id): expected \"id\" as heading, found nothing"},
+      {"another heading", "id,day,s,b\n",
+       "t.csv, row 1, column 2 (when): expected the heading \"when\", found \"day\""},
+      {"a heading too few", "id,when,s\n", "t.csv, row 1, column 4: expected 4 values, found 3"},
+      {"a heading too many", "id,when,s,b,c\n", "t.csv, row 1, column 5: expected 4 values, found 5"},
+      {"a value too few", "id,when,s,b\n1,,x,true\n2,,\n", "t.csv, row 3, column 4: expected 4 values, found 3"},
+      {"a value too many", "id,when,s,b\n1,,x,true,\n", "t.csv, row 2, column 5: expected 4 values, found 5"},
+      {"no whole number", "id,when,s,b\n1.5,,x,true\n",
+       "t.csv, row 2, column 1 (id): expected a whole number, found \"1.5\""},
+      {"no day", "id,when,s,b\n1,2024-02-30,x,true\n",
+       "t.csv, row 2, column 2 (when): expected a day, as 2024-12-31, found \"2024-02-30\""},
+      {"too long", "id,when,s,b\n1,,abcd,true\n", "t.csv, row 2, column 3 (s): expected at most 3 bytes, found 4"},
+      {"nothing where nothing is not missing", "id,when,s,b\n1,,x,\n",
+       "t.csv, row 2, column 4 (b): expected true or false, as true or false, found nothing"},
+      {"rows after blank lines and long values", "id,when,s,b\n\n\"1\",,\"a\nb\",true\nx,,,true\n",
+       "t.csv, row 4, column 1 (id): expected a whole number, found \"x\""},
+      {"an open quote", "id,when,s,b\n1,,\"x,true\n",
+       "t.csv, row 2, column 3: expected quotes around the whole value, and quotes inside it doubled"},
+      {"another encoding", "id,when,s,b\n1,,\xE9,true\n",
+       "t.csv, row 2, column 3: expected text in UTF-8, found a byte that is not"},
+  };
+  for (const Row& row : rows) EXPECT_EQ(problemOf(descriptor, row.text), row.problem) << row.label;
+}
+
+TEST(TableProblems, AMissingTableIsNamed) {
+  const ScratchFolder folder;
+  folder.write("datapackage.json", withResource(R"("path": "none.csv", "schema": {"fields": [{"name": "a"}]})"));
+  DataSet dataSet;
+  std::string problem;
+  EXPECT_FALSE(readDataPackage(folder.path(), &dataSet, &problem));
+  EXPECT_EQ(problem.find(folder.path("none.csv") + ": expected a file that can be read, found "), 0U) << problem;
+}
+
+}  // namespace
+}  // namespace kova::engine

@@ -1,0 +1,148 @@
+#include "engine/field.h"
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+
+#include "engine/case_store.h"
+
+namespace kova::engine {
+namespace {
+
+constexpr std::int64_t kLargestExact = std::int64_t{1} << 53;  // Beyond it a double skips whole numbers.
+constexpr double kDaySeconds = 86400;
+
+// A '+' is legal before a number, but std::from_chars takes none.
+std::string_view withoutPlus(std::string_view text) {
+  const bool hasPlus = text.size() > 1 && text[0] == '+' && text[1] != '-';
+  return hasPlus ? text.substr(1) : text;
+}
+
+std::optional<double> amountOf(std::string_view text) {
+  if (text == "NaN") return kSystemMissing;
+  text = withoutPlus(text);
+  double value = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+  return value;
+}
+
+std::optional<double> wholeNumberOf(std::string_view text) {
+  text = withoutPlus(text);
+  std::int64_t value = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || stop != end || value > kLargestExact || value < -kLargestExact) return std::nullopt;
+  return static_cast<double>(value);
+}
+
+std::optional<double> truthOf(const Field& field, std::string_view text) {
+  const auto among = [text](const std::vector<std::string>& texts) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+  };
+  if (among(field.trueTexts)) return 1;
+  if (among(field.falseTexts)) return 0;
+  return std::nullopt;
+}
+
+// Exactly `count` digits at that place.
+std::optional<int> digitsAt(std::string_view text, std::size_t place, std::size_t count) {
+  if (text.size() < place + count) return std::nullopt;
+  int value = 0;
+  for (const char digit : text.substr(place, count)) {
+    if (digit < '0' || digit > '9') return std::nullopt;
+    value = value * 10 + (digit - '0');
+  }
+  return value;
+}
+
+// 2024-12-31
+std::optional<double> dayOf(std::string_view text) {
+  const auto year = digitsAt(text, 0, 4);
+  const auto month = digitsAt(text, 5, 2);
+  const auto day = digitsAt(text, 8, 2);
+  if (!year || !month || !day || text.size() != 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
+  const std::chrono::year_month_day date{std::chrono::year(*year), std::chrono::month(static_cast<unsigned>(*month)),
+                                         std::chrono::day(static_cast<unsigned>(*day))};
+  if (!date.ok()) return std::nullopt;
+  return static_cast<double>(std::chrono::sys_days(date).time_since_epoch().count()) * kDaySeconds;
+}
+
+// 23:59:59, with a fraction if any
+std::optional<double> timeOf(std::string_view text) {
+  const auto hour = digitsAt(text, 0, 2);
+  const auto minute = digitsAt(text, 3, 2);
+  const auto second = digitsAt(text, 6, 2);
+  if (!hour || !minute || !second || text[2] != ':' || text[5] != ':') return std::nullopt;
+  if (*hour > 23 || *minute > 59 || *second > 59) return std::nullopt;
+  double fraction = 0;
+  if (text.size() > 8) {
+    const std::string_view tail = text.substr(9);
+    if (text[8] != '.' || tail.empty() || tail.find_first_not_of("0123456789") != std::string_view::npos) {
+      return std::nullopt;
+    }
+    std::from_chars(text.data() + 8, text.data() + text.size(), fraction);
+  }
+  return *hour * 3600 + *minute * 60 + *second + fraction;
+}
+
+// 2024-12-31T23:59:59, with a Z if any
+std::optional<double> momentOf(std::string_view text) {
+  if (text.ends_with('Z')) text.remove_suffix(1);
+  if (text.size() < 11 || text[10] != 'T') return std::nullopt;
+  const auto day = dayOf(text.substr(0, 10));
+  const auto time = timeOf(text.substr(11));
+  if (!day || !time) return std::nullopt;
+  return *day + *time;
+}
+
+}  // namespace
+
+bool Field::meansNoValue(std::string_view text) const {
+  return std::find(noValue.begin(), noValue.end(), text) != noValue.end();
+}
+
+std::optional<double> numberOf(const Field& field, std::string_view text) {
+  switch (field.type) {
+    case FieldType::kNumber:
+      return amountOf(text);
+    case FieldType::kInteger:
+      return wholeNumberOf(text);
+    case FieldType::kBoolean:
+      return truthOf(field, text);
+    case FieldType::kDate:
+      return dayOf(text);
+    case FieldType::kTime:
+      return timeOf(text);
+    case FieldType::kDateTime:
+      return momentOf(text);
+    case FieldType::kString:
+      break;
+  }
+  return std::nullopt;
+}
+
+std::string expectationOf(const Field& field) {
+  switch (field.type) {
+    case FieldType::kNumber:
+      return "a number";
+    case FieldType::kInteger:
+      return "a whole number";
+    case FieldType::kBoolean:
+      return "true or false, as " + field.trueTexts.front() + " or " + field.falseTexts.front();
+    case FieldType::kDate:
+      return "a day, as 2024-12-31";
+    case FieldType::kTime:
+      return "a time, as 23:59:59";
+    case FieldType::kDateTime:
+      return "a day and a time, as 2024-12-31T23:59:59";
+    case FieldType::kString:
+      break;
+  }
+  return "a text";
+}
+
+}  // namespace kova::engine

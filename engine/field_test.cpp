@@ -1,0 +1,82 @@
+#include "engine/field.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/case_store.h"
+
+namespace kova::engine {
+namespace {
+
+Field fieldOf(FieldType type) {
+  Field field;
+  field.type = type;
+  field.trueTexts = {"true", "yes"};
+  field.falseTexts = {"false"};
+  return field;
+}
+
+struct Row {
+  FieldType type;
+  const char* text;
+  std::optional<double> value;
+};
+
+TEST(Field, ReadsNumbers) {
+  const Row rows[] = {
+      {FieldType::kNumber, "39.1", 39.1},
+      {FieldType::kNumber, "-1e3", -1000.0},
+      {FieldType::kNumber, "+2", 2.0},
+      {FieldType::kNumber, ".5", 0.5},
+      {FieldType::kNumber, "NaN", kSystemMissing},
+      {FieldType::kNumber, "", std::nullopt},
+      {FieldType::kNumber, "39,1", std::nullopt},
+      {FieldType::kNumber, " 1", std::nullopt},
+      {FieldType::kNumber, "1 ", std::nullopt},
+      {FieldType::kNumber, "+-1", std::nullopt},
+      {FieldType::kNumber, "+", std::nullopt},
+      {FieldType::kNumber, "INF", std::nullopt},
+      {FieldType::kNumber, "1e999", std::nullopt},
+      {FieldType::kNumber, "0x10", std::nullopt},
+      {FieldType::kInteger, "181", 181.0},
+      {FieldType::kInteger, "-7", -7.0},
+      {FieldType::kInteger, "+7", 7.0},
+      {FieldType::kInteger, "9007199254740992", 9007199254740992.0},
+      {FieldType::kInteger, "9007199254740993", std::nullopt},
+      {FieldType::kInteger, "99999999999999999999", std::nullopt},
+      {FieldType::kInteger, "1.0", std::nullopt},
+      {FieldType::kInteger, "NaN", std::nullopt},
+      {FieldType::kBoolean, "yes", 1.0},
+      {FieldType::kBoolean, "false", 0.0},
+      {FieldType::kBoolean, "True", std::nullopt},
+  };
+  for (const Row& row : rows) EXPECT_EQ(numberOf(fieldOf(row.type), row.text), row.value) << row.text;
+}
+
+TEST(Field, ReadsDaysAndTimesAsSeconds) {
+  const Row rows[] = {
+      {FieldType::kDate, "1970-01-01", 0.0},
+      {FieldType::kDate, "1970-01-02", 86400.0},
+      {FieldType::kDate, "1969-12-31", -86400.0},
+      {FieldType::kDate, "2024-02-29", 1709164800.0},
+      {FieldType::kDate, "2023-02-29", std::nullopt},
+      {FieldType::kDate, "2024-13-01", std::nullopt},
+      {FieldType::kDate, "2024-1-1", std::nullopt},
+      {FieldType::kDate, "2024/01/01", std::nullopt},
+      {FieldType::kDate, "2024-01-01x", std::nullopt},
+      {FieldType::kTime, "00:00:00", 0.0},
+      {FieldType::kTime, "23:59:59", 86399.0},
+      {FieldType::kTime, "01:00:00.25", 3600.25},
+      {FieldType::kTime, "24:00:00", std::nullopt},
+      {FieldType::kTime, "01:00", std::nullopt},
+      {FieldType::kTime, "01:00:00.", std::nullopt},
+      {FieldType::kTime, "01:00:00.2x", std::nullopt},
+      {FieldType::kDateTime, "1970-01-02T00:00:01", 86401.0},
+      {FieldType::kDateTime, "1970-01-01T12:00:00Z", 43200.0},
+      {FieldType::kDateTime, "1970-01-01 12:00:00", std::nullopt},
+      {FieldType::kDateTime, "1970-01-01", std::nullopt},
+  };
+  for (const Row& row : rows) EXPECT_EQ(numberOf(fieldOf(row.type), row.text), row.value) << row.text;
+}
+
+}  // namespace
+}  // namespace kova::engine

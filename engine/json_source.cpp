@@ -1,0 +1,170 @@
+#include "engine/json_source.h"
+
+#include <utility>
+
+#include "engine/data_problem.h"
+
+namespace kova::engine {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+// Finds places in a text that is known to be JSON.
+class JsonScanner {
+ public:
+  explicit JsonScanner(std::string_view text) : text_(text) { skipBlanks(); }
+
+  std::size_t position() const { return position_; }
+
+  // Goes to the value of that key or index; false, and no move, when there is none.
+  bool enter(const std::string& step) {
+    const std::size_t start = position_;
+    const char open = text_[position_];
+    if (open == '{' || open == '[') {
+      ++position_;
+      skipBlanks();
+      for (std::size_t index = 0; text_[position_] != '}' && text_[position_] != ']'; ++index) {
+        const std::string name = open == '{' ? takeKey() : std::to_string(index);
+        if (name == step) return true;
+        skipValue();
+        skipSeparator(',');
+      }
+    }
+    position_ = start;
+    return false;
+  }
+
+ private:
+  void skipBlanks() { position_ = std::min(text_.find_first_not_of(kBlanks, position_), text_.size()); }
+
+  void skipSeparator(char separator) {
+    skipBlanks();
+    if (text_[position_] == separator) ++position_;
+    skipBlanks();
+  }
+
+  std::string takeKey() {
+    const std::size_t start = position_;
+    skipString();
+    const auto key = nlohmann::json::parse(text_.substr(start, position_ - start)).get<std::string>();
+    skipSeparator(':');
+    return key;
+  }
+
+  void skipString() {
+    for (++position_; text_[position_] != '"'; ++position_) {
+      if (text_[position_] == '\\') ++position_;
+    }
+    ++position_;
+  }
+
+  void skipValue() {
+    int depth = 0;
+    do {
+      const char character = text_[position_];
+      if (character == '"') {
+        skipString();
+      } else if (character == '{' || character == '[') {
+        ++depth;
+        ++position_;
+      } else if (character == '}' || character == ']') {
+        --depth;
+        ++position_;
+      } else if (depth > 0 && (character == ',' || character == ':')) {
+        ++position_;
+      } else {
+        position_ = std::min(text_.find_first_of(",:{}[]\" \t\r\n", position_), text_.size());
+      }
+      if (depth > 0) skipBlanks();
+    } while (depth > 0);
+  }
+
+  std::string_view text_;
+  std::size_t position_ = 0;
+};
+
+// The parser's words behind "syntax error ", without the tail that repeats the input.
+std::string reasonOf(const nlohmann::json::parse_error& error) {
+  std::string_view what = error.what();
+  const auto start = what.find("unexpected ");
+  if (start == std::string_view::npos) return "text that is not JSON";
+  what.remove_prefix(start + std::string_view("unexpected ").size());
+  return std::string(what.substr(0, what.find(';')));
+}
+
+nlohmann::json parse(const std::string& path, const std::string& text) {
+  const std::size_t invalid = findInvalidUtf8(text);
+  if (invalid != std::string::npos) {
+    const auto [row, column] = positionOf(text, invalid);
+    throw DataProblem(problemLine({path, row, column, ""}, "text in UTF-8", "a byte that is not"));
+  }
+  try {
+    return nlohmann::json::parse(text);
+  } catch (const nlohmann::json::parse_error& error) {
+    const auto [row, column] = positionOf(text, error.byte > 0 ? error.byte - 1 : 0);
+    throw DataProblem(problemLine({path, row, column, ""}, "JSON", reasonOf(error)));
+  }
+}
+
+std::string describe(const nlohmann::json* value) {
+  if (value == nullptr) return "nothing";
+  if (value->is_string()) return quotedText(value->get_ref<const std::string&>());
+  if (value->is_object()) return "an object";
+  if (value->is_array()) return "a list";
+  return value->dump();
+}
+
+}  // namespace
+
+JsonSource::JsonSource(const std::string& path) : path_(path), text_(readTextFile(path)), root_(parse(path, text_)) {}
+
+RowAndColumn JsonSource::positionOf(const std::vector<std::string>& way) const {
+  JsonScanner scanner(text_);
+  for (const std::string& step : way) {
+    if (!scanner.enter(step)) break;
+  }
+  return kova::engine::positionOf(text_, scanner.position());
+}
+
+JsonNode::JsonNode(const JsonNode& parent, std::string step, const nlohmann::json* value)
+    : source_(parent.source_), value_(value), way_(parent.way_) {
+  way_.push_back(std::move(step));
+}
+
+JsonNode JsonNode::operator[](const std::string& key) const {
+  if (!exists() || !value_->is_object()) fail("an object");
+  const auto found = value_->find(key);
+  return {*this, key, found == value_->end() ? nullptr : &*found};
+}
+
+std::vector<JsonNode> JsonNode::elements() const {
+  if (!exists() || !value_->is_array()) fail("a list");
+  std::vector<JsonNode> nodes;
+  for (std::size_t index = 0; index < value_->size(); ++index) {
+    nodes.push_back(JsonNode(*this, std::to_string(index), &(*value_)[index]));
+  }
+  return nodes;
+}
+
+std::string JsonNode::text() const {
+  if (!exists() || !value_->is_string()) fail("a text");
+  return value_->get<std::string>();
+}
+
+std::string JsonNode::text(const std::string& fallback) const { return exists() ? text() : fallback; }
+
+void JsonNode::fail(std::string_view expected) const {
+  const auto [row, column] = source_->positionOf(way_);
+  throw DataProblem(problemLine({source_->path(), row, column, pointer()}, expected, describe(value_)));
+}
+
+std::string JsonNode::pointer() const {
+  std::string text;
+  for (const std::string& step : way_) {
+    if (!text.empty()) text += '/';
+    text += step;
+  }
+  return text;
+}
+
+}  // namespace kova::engine

@@ -1,0 +1,33 @@
+#include "engine/value_codes.h"
+
+#include <utility>
+
+namespace kova::engine {
+namespace {
+
+template <typename Value, std::size_t count>
+std::optional<Value> lookUp(const std::pair<std::string_view, Value> (&table)[count], std::string_view word) {
+  for (const auto& [name, value] : table) {
+    if (name == word) return value;
+  }
+  return std::nullopt;
+}
+
+constexpr std::pair<std::string_view, Measure> kMeasures[] = {
+    {"nominal", Measure::kNominal},
+    {"ordinal", Measure::kOrdinal},
+    {"scale", Measure::kScale},
+};
+
+constexpr std::pair<std::string_view, Role> kRoles[] = {
+    {"input", Role::kInput}, {"target", Role::kTarget},       {"both", Role::kBoth},
+    {"none", Role::kNone},   {"partition", Role::kPartition}, {"split", Role::kSplit},
+};
+
+}  // namespace
+
+std::optional<Measure> measureOf(std::string_view word) { return lookUp(kMeasures, word); }
+
+std::optional<Role> roleOf(std::string_view word) { return lookUp(kRoles, word); }
+
+}  // namespace kova::engine

@@ -1,0 +1,49 @@
+// The numbers that stand for measurement levels, roles and kinds of missing values in requests and replies.
+#ifndef KOVADX_ENGINE_VALUE_CODES_H
+#define KOVADX_ENGINE_VALUE_CODES_H
+
+#include <optional>
+#include <string_view>
+
+namespace kova::engine {
+
+// What may be done with a variable's values.
+enum class Measure : int {
+  kUnknown = 0,
+  kNominal = 1,  // Names without an order.
+  kOrdinal = 2,  // Names with an order.
+  kScale = 3,    // Amounts.
+};
+
+// What a variable is for in an analysis.
+enum class Role : int {
+  kInput = 0,
+  kTarget = 1,
+  kBoth = 2,
+  kNone = 3,
+  kPartition = 4,
+  kSplit = 5,
+};
+
+// The kind of a numeric variable's user-missing values. A string variable has 0 to 3 discrete ones, with the same
+// numbers.
+enum MissingKind : int {
+  kNoMissing = 0,
+  kOneMissing = 1,
+  kTwoMissing = 2,
+  kThreeMissing = 3,
+  kMissingRange = -2,        // From the first value to the second.
+  kMissingRangeAndOne = -3,  // That range, and the third value.
+};
+
+constexpr int kMostMissing = 3;
+constexpr int kMissingTextBytes = 8;  // A string missing value is at most as long as one unit of a case.
+
+// The words of data descriptions: "nominal", "ordinal", "scale"; "input", "target", "both", "none", "partition",
+// "split". Nothing for another word.
+std::optional<Measure> measureOf(std::string_view word);
+std::optional<Role> roleOf(std::string_view word);
+
+}  // namespace kova::engine
+
+#endif

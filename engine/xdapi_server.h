@@ -1,0 +1,63 @@
+// Serves one client program: reads its requests from the "xdapi" pipe and writes the replies on its "xdapiresult" pipe,
+// on a thread of its own and with pipe ends of its own.
+//
+// One conversation follows another: when a client goes, or sends what is no message, the server drops it and waits for
+// the next one. A second client of the same name waits until the first has gone.
+//
+// Made and destroyed by the program that offers the engine, on one thread, the only one that may call it. Destruction
+// stops it.
+#ifndef KOVADX_ENGINE_XDAPI_SERVER_H
+#define KOVADX_ENGINE_XDAPI_SERVER_H
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "message/CleXDSmb.h"
+#include "transport/KovaPipe.h"
+
+namespace kova::engine {
+
+class XdapiServer {
+ public:
+  // Carries out a request and fills the reply. Called on the server's thread; must not throw.
+  using Perform = std::function<void(const CleXDSmb& request, CleXDSmb& reply)>;
+
+  // For the pipes baseName + "xdapi" and baseName + "xdapiresult"; see baseName().
+  XdapiServer(const std::string& baseName, Perform perform);
+  XdapiServer(const XdapiServer&) = delete;
+  XdapiServer& operator=(const XdapiServer&) = delete;
+  ~XdapiServer() { stop(); }
+
+  // What the names of a client's pipes begin with: the client's process id in at least four hexadecimal digits, its
+  // instance name and its nesting index.
+  static std::string baseName(std::uint32_t processId, const std::string& instance, int index);
+
+  // Creates the request pipe, so that a client can open it from now on, and starts to serve. 0; 99104 when there can be
+  // no such pipe; 8 when no thread could be started.
+  int start();
+
+  // Ends the conversation, wherever it stands, and waits for the thread. May be called twice, and without a start.
+  void stop();
+
+ private:
+  void serve();
+  void converse();
+  bool answer(CleXDSmb& reply);
+  bool openReplies();
+  void closeReplies();
+
+  Perform perform_;
+  KovaPipe requests_;
+  KovaPipe replies_;
+  std::atomic<bool> stopping_{false};
+  std::mutex replyMutex_;  // Held where replyOpen_ changes, and while a wait on the replies is cancelled.
+  bool replyOpen_ = false;
+  std::thread thread_;  // Last: it uses everything above.
+};
+
+}  // namespace kova::engine
+
+#endif

@@ -1,0 +1,89 @@
+#include "command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <iostream>
+
+namespace kova::program {
+namespace {
+
+constexpr std::size_t kLongestName = 32;
+
+constexpr const char* kExamples =
+    "Examples:\n"
+    "  kovadx run --data examples/penguins -- examples/penguins/describe\n"
+    "  kovadx run --data examples/penguins -- python3 examples/penguins/describe.py\n"
+    "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
+    "\n"
+    "Exit code: the program's own, or 128 + the signal that ended it; 127 when the program was not found, 126 when it\n"
+    "could not be run, 125 when kovadx itself failed.";
+
+// The instance name becomes a part of the pipes' names.
+std::string checkName(const std::string& name) {
+  const auto isPlain = [](unsigned char c) { return c < 0x80 && (std::isalnum(c) != 0 || c == '_'); };
+  if (!name.empty() && name.size() <= kLongestName && std::all_of(name.begin(), name.end(), isPlain)) return "";
+  return "expected 1 to 32 letters, digits and underscores, found \"" + name + "\"";
+}
+
+void toUpper(std::string* text) {
+  std::transform(text->begin(), text->end(), text->begin(), [](unsigned char c) { return std::toupper(c); });
+}
+
+// Everything behind the first "--" is the program and its arguments, untouched.
+std::vector<std::string> takeProgram(std::vector<std::string>* arguments) {
+  const auto mark = std::find(arguments->begin(), arguments->end(), "--");
+  if (mark == arguments->end()) return {};
+  std::vector<std::string> program(mark + 1, arguments->end());
+  arguments->erase(mark, arguments->end());
+  return program;
+}
+
+// Prints what was asked for, or what is wrong in one line.
+int finish(const CLI::App& app, const CLI::ParseError& end) {
+  if (end.get_exit_code() == 0) return app.exit(end);
+  std::string message = end.what();
+  std::replace(message.begin(), message.end(), '\n', ' ');
+  printError(message + "; see kovadx --help");
+  return kOwnFailure;
+}
+
+}  // namespace
+
+std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, int* exitCode) {
+  RunOptions options;
+  options.program = takeProgram(&arguments);
+  CLI::App app("Runs programs that talk to a statistics engine.", "kovadx");
+  app.set_version_flag("--version", std::string("kovadx ") + KOVADX_VERSION, "Print the version and end");
+  app.footer(kExamples);
+  app.require_subcommand(1);
+  CLI::App* run = app.add_subcommand("run",
+                                     "Start an engine, run a program beside it, and end as the program ends:\n"
+                                     "kovadx run [--data DATAPACKAGE] [--name NAME] [--home DIR] -- PROGRAM ARGS...");
+  run->footer(kExamples);
+  run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder");
+  run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
+  run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)");
+  try {
+    std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
+    app.parse(arguments);
+  } catch (const CLI::ParseError& end) {
+    *exitCode = finish(app, end);
+    return std::nullopt;
+  }
+  if (options.program.empty()) {
+    printError("no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...");
+    *exitCode = kOwnFailure;
+    return std::nullopt;
+  }
+  toUpper(&options.name);
+  return options;
+}
+
+void printError(const std::string& message) {
+  std::fprintf(stderr, "kovadx: %s\n", message.c_str());
+  std::fflush(stderr);
+}
+
+}  // namespace kova::program

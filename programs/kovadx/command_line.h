@@ -1,0 +1,33 @@
+// The kovadx command line.
+#ifndef KOVADX_PROGRAMS_KOVADX_COMMAND_LINE_H
+#define KOVADX_PROGRAMS_KOVADX_COMMAND_LINE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace kova::program {
+
+// What kovadx itself ends with when it, and not the program that it runs, fails.
+constexpr int kOwnFailure = 125;
+constexpr int kNotRunnable = 126;
+constexpr int kNotFound = 127;
+
+// What "kovadx run" was asked for.
+struct RunOptions {
+  std::string data;                  // A Data Package's descriptor or folder; empty for an engine without data.
+  std::string name = "EXTERNAL";     // The instance name, in upper case.
+  std::string home;                  // The home folder; empty for kovadx's own.
+  std::vector<std::string> program;  // The program and its arguments; never empty.
+};
+
+// Reads the arguments (without kovadx itself). Nothing when there is nothing to run: the help or the version has then
+// been printed, or an error in one line, and *exitCode is what kovadx ends with.
+std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, int* exitCode);
+
+// Prints "kovadx: <message>" on the error stream.
+void printError(const std::string& message);
+
+}  // namespace kova::program
+
+#endif

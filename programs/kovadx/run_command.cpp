@@ -1,0 +1,157 @@
+#include "run_command.h"
+
+#include <atomic>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <utility>
+
+#include "api/InitDxGlobal.h"
+#include "engine/data_package.h"
+#include "engine/engine.h"
+#include "engine/text_file.h"
+#include "engine/xdapi_server.h"
+#include "platform/os/environment.h"
+#include "platform/os/file.h"
+#include "platform/os/named_pipe.h"
+#include "platform/os/process.h"
+
+namespace kova::program {
+namespace {
+
+// The engine's own instance name: its trace file must not be the program's.
+constexpr const char* kEngineInstance = "KOVAENGINE";
+
+constexpr std::uint32_t kLookMs = 50;     // How often a wait for the program looks for an end request.
+constexpr std::uint32_t kOwnEndMs = 500;  // Ctrl-C at a terminal reaches the program too.
+constexpr std::uint32_t kAskedEndMs = 2000;
+
+std::atomic<bool> endRequested{false};
+
+std::string withoutEndSeparator(std::string folder) {
+  while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
+  return folder;
+}
+
+std::string homeOf(const RunOptions& options) {
+  return withoutEndSeparator(options.home.empty() ? engine::folderOf(os::ProgramPath()) : options.home);
+}
+
+std::string temporaryFolder() {
+  if (auto folder = os::GetEnvironment("KOVADXTEMP")) return *folder;
+  return withoutEndSeparator(std::filesystem::temp_directory_path().string());
+}
+
+// Where a platform's programs look for libraries besides their own folder.
+const char* libraryPathName() { return os::kListSeparator == ';' ? "PATH" : "LD_LIBRARY_PATH"; }
+
+std::string libraryPath(const std::string& home) {
+  const auto present = os::GetEnvironment(libraryPathName());
+  return present && !present->empty() ? home + os::kListSeparator + *present : home;
+}
+
+os::ProcessStart programStart(const RunOptions& options, const std::string& home) {
+  os::ProcessStart start;
+  start.program = options.program.front();
+  start.arguments.assign(options.program.begin() + 1, options.program.end());
+  start.environment = {{"KOVA_HOME", home},
+                       {"KOVA_XNAME", options.name},
+                       {"KOVADXTEMP", temporaryFolder()},
+                       {libraryPathName(), libraryPath(home)}};
+  start.endsWithParent = true;
+  return start;
+}
+
+int reportNotStarted(const std::string& program, os::Error error) {
+  if (error == os::kFileNotFound) {
+    printError("program not found: " + program + "; check its path, or PATH");
+    return kNotFound;
+  }
+  printError("program can not be run: " + program + " (" + os::ErrorText(error) + "); check that it is executable");
+  return kNotRunnable;
+}
+
+std::string pidText(std::uint32_t id) {
+  char digits[16];
+  std::snprintf(digits, sizeof digits, "%04x", static_cast<unsigned>(id));
+  return digits;
+}
+
+// The user asked kovadx to end: the program is given time to end by itself, then it is asked, then it is ended.
+int endProgram(os::Process* program) {
+  int exitCode = kOwnFailure;
+  if (program->Wait(kOwnEndMs, &exitCode) == os::kSuccess) return exitCode;
+  if (program->Interrupt() == os::kSuccess && program->Wait(kAskedEndMs, &exitCode) == os::kSuccess) return exitCode;
+  program->Terminate();
+  program->Wait(os::kWaitForever, &exitCode);
+  return exitCode;
+}
+
+int waitForProgram(os::Process* program) {
+  int exitCode = kOwnFailure;
+  while (!endRequested) {
+    const os::Error error = program->Wait(kLookMs, &exitCode);
+    if (error == os::kSuccess) return exitCode;
+    if (error != os::kWaitTimeout) break;
+  }
+  return endProgram(program);
+}
+
+int serve(engine::Engine* engine, const RunOptions& options, os::Process* program) {
+  const std::string baseName = engine::XdapiServer::baseName(program->Id(), options.name, 0);
+  engine::XdapiServer server(baseName,
+                             [engine](const CleXDSmb& request, CleXDSmb& reply) { engine->perform(request, reply); });
+  const int started = server.start();
+  if (started != 0) {
+    program->Terminate();
+    int ignored = 0;
+    program->Wait(os::kWaitForever, &ignored);
+    printError("can not serve the program: its pipe " + baseName + "xdapi can not be made (code " +
+               std::to_string(started) + "); check that its folder belongs to you alone");
+    return kOwnFailure;
+  }
+  return waitForProgram(program);
+}
+
+bool openData(const RunOptions& options, engine::Engine* engine) {
+  if (options.data.empty()) return true;
+  engine::DataSet dataSet;
+  std::string problem;
+  if (!engine::readDataPackage(options.data, &dataSet, &problem)) {
+    printError("can not read the data: " + problem);
+    return false;
+  }
+  engine->open(std::move(dataSet));
+  return true;
+}
+
+// The process-wide objects of the library, for as long as the engine serves.
+class LibraryState {
+ public:
+  explicit LibraryState(const std::string& home) {
+    InitDxGlobal(temporaryFolder(), pidText(os::CurrentProcessId()), kEngineInstance, home);
+  }
+  LibraryState(const LibraryState&) = delete;
+  LibraryState& operator=(const LibraryState&) = delete;
+  ~LibraryState() { FinalizeDXGlobal(); }
+};
+
+}  // namespace
+
+int runCommand(const RunOptions& options) {
+  const std::string home = homeOf(options);
+  if (!os::FileExists(home)) {
+    printError("no such home folder: " + home + "; give the folder that holds the library with --home");
+    return kOwnFailure;
+  }
+  engine::Engine engine;
+  if (!openData(options, &engine)) return kOwnFailure;
+  const LibraryState library(home);
+  os::SetEndRequestHandler([] { endRequested = true; });
+  os::Process program;
+  const os::Error error = os::Process::Start(programStart(options, home), &program);
+  if (error != os::kSuccess) return reportNotStarted(options.program.front(), error);
+  return serve(&engine, options, &program);
+}
+
+}  // namespace kova::program

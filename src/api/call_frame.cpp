@@ -1,0 +1,80 @@
+#include "api/call_frame.h"
+
+#include "api/guard.h"
+#include "api/pipe_selection.h"
+#include "config/text_utilities.h"
+#include "transport/KovaPipe.h"
+#include "transport/message_exchange.h"
+
+namespace kova {
+namespace {
+
+constexpr int kOpenAttempts = 20;
+constexpr unsigned int kOpenPauseMs = 100;
+
+int store(int* place, int code) {
+  if (place) *place = code;
+  return code;
+}
+
+// A pause follows every failed attempt, the last one too, so that a dead engine costs two seconds.
+int openRequestPipe(KovaPipe& pipe) {
+  int code = 0;
+  for (int attempt = 0; attempt < kOpenAttempts; ++attempt) {
+    code = pipe.KOVACreateFile();
+    if (code == 0) break;
+    msleep(kOpenPauseMs);
+  }
+  return code;
+}
+
+int sendRequest(KovaPipe& pipe, CleXDSmb& request) {
+  const int code = pipe.HasPipe() ? 0 : openRequestPipe(pipe);
+  return code != 0 ? code : SendData(&pipe, request, false);
+}
+
+// What ConnectPipe gives is not looked at: 535 is a client that came first, and where there is no connection the read
+// says so.
+int receiveReply(KovaPipe& pipe, CleXDSmb& reply) {
+  if (!pipe.IsWritePipeConnected()) pipe.ConnectPipe();
+  int status = 0;
+  const int code = ReceiveMessage(&pipe, reply, &status);
+  SetLastReceiveStatus(status);
+  return code;
+}
+
+void pack(Command command, std::span<const CallItem> items, CleXDSmb& request) {
+  request.SetCommandAction(command);
+  for (const CallItem& item : items) {
+    if (item.append) item.append(item.object, request);
+  }
+}
+
+void unpack(std::span<const CallItem> items, const CleXDSmb& reply) {
+  for (const CallItem& item : items) {
+    if (item.take) item.take(item.object, reply);
+  }
+}
+
+int converse(Command command, std::span<const CallItem> items, int* errorCode) {
+  CleXDSmb request;
+  pack(command, items, request);
+  const CallPipes pipes = SelectPipes();
+  if (!pipes) return kPipeFailed;
+  int code = store(errorCode, sendRequest(*pipes.request, request));
+  // A request that could not be built was never sent, and nobody will answer it.
+  if (code == kNotEnoughMemory) return code;
+  CleXDSmb reply;
+  code = store(errorCode, receiveReply(*pipes.reply, reply));
+  if (code == 0) code = reply.GetErrorCode();
+  if (code == 0) unpack(items, reply);
+  return code;
+}
+
+}  // namespace
+
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode) noexcept {
+  return store(errorCode, Guarded([&] { return converse(command, items, errorCode); }));
+}
+
+}  // namespace kova

@@ -1,0 +1,77 @@
+// The call frame: the one mechanism of every call of the engine. An exported function names its command, its arguments
+// and the places of its results, and the frame holds the conversation:
+//
+//   int GetVariableType(int index, int* errorCode) {
+//     return Ask<int>(Command::GetVariableType, errorCode, Long{index});
+//   }
+//   int GetSystemMissingValue(double* value) { return Tell(Command::GetSystemMissingValue, IntoDouble{value}); }
+//
+// Arguments stand in the order in which they travel, results behind them. Nothing throws out of here.
+//
+// The frame takes no lock: a nested run calls on a second thread, with the next pipe set, while an outer call waits for
+// its reply. Callers that share a pipe set take turns.
+#ifndef KOVADX_API_CALL_FRAME_H
+#define KOVADX_API_CALL_FRAME_H
+
+#include <array>
+#include <span>
+
+#include "api/call_items.h"
+#include "api/client_state.h"
+#include "message/CleXDSmb.h"
+
+namespace kova {
+
+constexpr int kEngineNotRunning = 17;
+
+// A reference to one item of a call, without its type, so that the conversation is compiled once and not once a
+// function. `append` or `take` is null where the item has none.
+struct CallItem {
+  const void* object;
+  void (*append)(const void* object, CleXDSmb& request);
+  void (*take)(const void* object, const CleXDSmb& reply);
+};
+
+// The whole conversation of one call: packs the request, sends it, waits for the reply and, when all went well, unpacks
+// it. Result: 0; 99104 at once when there are no pipes; 8 when memory runs out; else the transport's or the engine's
+// code. *errorCode (may be null) gets the code as it stands after sending, after receiving and at the end.
+//
+// Deliberate: when the request can not be sent - after 20 attempts, 100 ms apart, to open its pipe - the call still
+// waits for a reply, without limit.
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode) noexcept;
+
+template <class Item>
+CallItem itemOf(const Item& item) {
+  CallItem result{&item, nullptr, nullptr};
+  if constexpr (requires(CleXDSmb & request) { item.append(request); }) {
+    result.append = [](const void* object, CleXDSmb& request) { static_cast<const Item*>(object)->append(request); };
+  }
+  if constexpr (requires(const CleXDSmb& reply) { item.take(reply); }) {
+    result.take = [](const void* object, const CleXDSmb& reply) { static_cast<const Item*>(object)->take(reply); };
+  }
+  return result;
+}
+
+// A call of the status shape: 17 at once when the engine is not running, otherwise the conversation's result.
+template <class... Items>
+int Tell(Command command, const Items&... items) {
+  if (!IsEngineRunning()) return kEngineNotRunning;
+  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
+  return Exchange(command, list, nullptr);
+}
+
+// A call of the value shape: the reply's value, 0 or null when the call failed. It goes to the engine whether or not
+// that is marked as running.
+template <class Result, class... Items>
+Result Ask(Command command, int* errorCode, const Items&... items) {
+  Result value{};
+  const Returned<Result> returned{&value};
+  const std::array<CallItem, sizeof...(Items) + 1> list{itemOf(items)..., itemOf(returned)};
+  if (Exchange(command, list, errorCode) == 0) return value;
+  returned.drop();
+  return Result{};
+}
+
+}  // namespace kova
+
+#endif

@@ -1,0 +1,38 @@
+// What the client side of a process remembers between its calls.
+//
+// One state for the process, never destroyed. Flags, status and the shared text may be touched on any thread, since a
+// nested run calls on a second thread while the first one waits; the texts of ClientIdentity belong to the thread that
+// calls the client interface.
+#ifndef KOVADX_API_CLIENT_STATE_H
+#define KOVADX_API_CLIENT_STATE_H
+
+#include <string>
+
+namespace kova {
+
+// Whether there is an engine to talk to.
+bool IsEngineRunning();
+void SetEngineRunning(bool running);
+
+// The transport's own result of the last reply: 0 when it came whole.
+int LastReceiveStatus();
+void SetLastReceiveStatus(int status);
+
+// Keeps a copy of the text in the one block that the text-returning calls share, in place of the earlier one, and
+// returns it. It lives until the next call of this or of DropSharedText. Throws std::bad_alloc, the earlier text kept.
+const char* KeepSharedText(const std::string& text);
+
+// Frees the shared text.
+void DropSharedText();
+
+// What SetXNameAndSHome and SetRTempFolderToKOVA have stored.
+struct ClientIdentity {
+  std::string xName;
+  std::string kovaHome;
+  std::string rTempFolder;
+};
+ClientIdentity& StoredIdentity();
+
+}  // namespace kova
+
+#endif

@@ -1,0 +1,129 @@
+// What the tests of this folder share: a client process in its first moments, and messages written by hand.
+#ifndef KOVADX_API_CLIENT_TEST_H
+#define KOVADX_API_CLIENT_TEST_H
+
+#include <bit>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "api/InitDxGlobal.h"
+#include "api/client_state.h"
+#include "api/kovadx.h"
+#include "api/kovadx_ext.h"
+#include "tests/kit/scripted_engine.h"
+#include "tests/os_fake/os_fake.h"
+#include "transport/traced_test.h"
+
+namespace kova {
+
+// A message as its layout says, byte by byte and without the library's own encoder.
+struct WireImage {
+  std::int32_t code = -1;
+  std::int32_t error = 0;
+  std::vector<std::int32_t> longs = {};
+  std::vector<double> doubles = {};
+  std::vector<std::string> texts = {};
+  std::vector<std::vector<std::string>> lists = {};
+
+  kit::Bytes bytes() const {
+    kit::Bytes out;
+    put(out, code);
+    put(out, error);
+    put(out, size(longs));
+    for (const std::int32_t value : longs) put(out, value);
+    put(out, size(doubles));
+    for (const double value : doubles) put(out, std::bit_cast<std::uint64_t>(value));
+    putTexts(out, texts);
+    put(out, 0);  // Cell updates.
+    put(out, 0);  // Integer arrays.
+    put(out, 0);  // Double arrays.
+    put(out, size(lists));
+    for (const auto& list : lists) putTexts(out, list);
+    put(out, 0);  // Binary string.
+    put(out, 0);  // Wide string.
+    put(out, 0);  // Void data.
+    kit::Bytes whole;
+    put(whole, static_cast<std::int32_t>(out.size()) + 4);
+    whole.insert(whole.end(), out.begin(), out.end());
+    return whole;
+  }
+
+ private:
+  template <class List>
+  static std::int32_t size(const List& list) {
+    return static_cast<std::int32_t>(list.size());
+  }
+
+  template <class Number>
+  static void put(kit::Bytes& out, Number value) {
+    for (std::size_t i = 0; i < sizeof value; ++i) {
+      out.push_back(static_cast<char>(static_cast<std::uint64_t>(value) >> (8 * i)));
+    }
+  }
+
+  static void putTexts(kit::Bytes& out, const std::vector<std::string>& texts) {
+    put(out, size(texts));
+    for (const std::string& text : texts) {
+      put(out, size(text));
+      out.insert(out.end(), text.begin(), text.end());
+    }
+  }
+};
+
+// A client of the name TEST and the process id 1234, with the engine marked as running and none there yet.
+class ClientTest : public TracedTest {
+ protected:
+  using Answer = kit::ScriptedEngine::Answer;
+
+  static constexpr const char* kBase = "\\\\.\\pipe\\1234TEST0";
+  static constexpr const char* kRequestPipe = "\\\\.\\pipe\\1234TEST0xdapi";
+  static constexpr const char* kReplyPipe = "\\\\.\\pipe\\1234TEST0xdapiresult";
+
+  ClientTest() {
+    fake::reset();  // What the fixture itself has called is nobody's concern.
+    SetXNameAndSHome("TEST", "");
+    SetKovaRunning(true);
+  }
+
+  ~ClientTest() override {
+    EndConversation();
+    SetKovaRunning(false);
+    SetXNameAndSHome(nullptr, nullptr);
+    DropSharedText();
+  }
+
+  // Starts an engine that gives each request the answer that `script` makes.
+  void StartEngine(kit::ScriptedEngine::Script script) {
+    engine_ = std::make_unique<kit::ScriptedEngine>(kBase, std::move(script));
+    ASSERT_EQ(engine_->created(), 0);
+  }
+
+  // The same for one answer to all.
+  void StartEngine(const WireImage& reply) {
+    StartEngine([bytes = reply.bytes()](const kit::Bytes&) { return Answer{bytes}; });
+  }
+
+  // Closes the client's pipes, upon which the engine ends.
+  void EndConversation() {
+    FinalizeDXGlobal();
+    engine_.reset();
+  }
+
+  std::vector<kit::Bytes> Requests() const { return engine_->received(); }
+
+  // How often the client or the engine has called that function of the seam for that pipe.
+  static std::ptrdiff_t CallsFor(const std::string& function, const std::string& pipe) {
+    const auto calls = fake::calls();
+    return std::count(calls.begin(), calls.end(), function + " " + pipe);
+  }
+
+ private:
+  std::unique_ptr<kit::ScriptedEngine> engine_;
+};
+
+}  // namespace kova
+
+#endif

@@ -1,0 +1,34 @@
+#include "host/XManager.h"
+
+namespace {
+
+XManager* theManager = nullptr;
+
+}  // namespace
+
+XManager::XManager() = default;
+
+XManager::~XManager() { cleanup(); }
+
+void XManager::addStatisticsX(const std::string& name, StatisticsX* host) {
+  std::unique_ptr<StatisticsX>& entry = hosts_[name];
+  if (entry.get() != host) entry.reset(host);
+}
+
+StatisticsX* XManager::getStatisticsX(const std::string& name) const {
+  const auto found = hosts_.find(name);
+  return found == hosts_.end() ? nullptr : found->second.get();
+}
+
+void XManager::destoryStatisticsX(const std::string& name) { hosts_.erase(name); }
+
+void XManager::stopX() {
+  for (auto& [name, host] : hosts_) host.reset();
+  hosts_.clear();
+}
+
+void XManager::cleanup() { stopX(); }
+
+XManager* GetXManager() { return theManager; }
+
+void SetXManager(XManager* manager) { theManager = manager; }

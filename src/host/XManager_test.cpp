@@ -1,0 +1,115 @@
+#include "host/XManager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+// A host that tells when it is deleted.
+class Host : public StatisticsX {
+ public:
+  Host(std::string name, std::vector<std::string>* deleted)
+      : StatisticsX(true), name_(std::move(name)), deleted_(deleted) {}
+  ~Host() override { deleted_->push_back(name_); }
+
+ protected:
+  int x_init_embedded_x(int, char**) override { return 0; }
+  int x_execute_x(char*) override { return 0; }
+  int x_stop_embedded_x() override { return 0; }
+  int x_pre_action() override { return 0; }
+  int x_post_action() override { return 0; }
+
+ private:
+  std::string name_;
+  std::vector<std::string>* deleted_;
+};
+
+class XManagerTest : public testing::Test {
+ protected:
+  StatisticsX* Add(const std::string& name, const std::string& label) {
+    auto* const host = new Host(label, &deleted_);
+    manager_.addStatisticsX(name, host);
+    return host;
+  }
+
+  std::vector<std::string> deleted_;
+  XManager manager_;
+};
+
+TEST_F(XManagerTest, KeepsHostsByName) {
+  StatisticsX* const r = Add("R", "r");
+  StatisticsX* const python = Add("PYTHON", "python");
+  EXPECT_EQ(manager_.getStatisticsX("R"), r);
+  EXPECT_EQ(manager_.getStatisticsX("PYTHON"), python);
+  EXPECT_EQ(manager_.getStatisticsX("r"), nullptr);
+  EXPECT_EQ(manager_.getStatisticsX("JAVA"), nullptr);
+}
+
+TEST_F(XManagerTest, ANewHostReplacesTheOldOne) {
+  Add("R", "old");
+  StatisticsX* const host = Add("R", "new");
+  EXPECT_EQ(manager_.getStatisticsX("R"), host);
+  EXPECT_THAT(deleted_, ElementsAre("old"));
+}
+
+TEST_F(XManagerTest, TheSameHostAgainIsLeftAlone) {
+  StatisticsX* const host = Add("R", "r");
+  manager_.addStatisticsX("R", host);
+  EXPECT_EQ(manager_.getStatisticsX("R"), host);
+  EXPECT_THAT(deleted_, IsEmpty());
+}
+
+TEST_F(XManagerTest, ANullHostIsAnEntryToo) {
+  manager_.addStatisticsX("R", nullptr);
+  EXPECT_EQ(manager_.getStatisticsX("R"), nullptr);
+  Add("R", "r");
+  manager_.addStatisticsX("R", nullptr);
+  EXPECT_THAT(deleted_, ElementsAre("r"));
+  manager_.destoryStatisticsX("R");
+}
+
+TEST_F(XManagerTest, DestroysOneHost) {
+  Add("R", "r");
+  Add("PYTHON", "python");
+  manager_.destoryStatisticsX("R");
+  manager_.destoryStatisticsX("R");
+  manager_.destoryStatisticsX("JAVA");
+  EXPECT_EQ(manager_.getStatisticsX("R"), nullptr);
+  EXPECT_THAT(deleted_, ElementsAre("r"));
+}
+
+TEST_F(XManagerTest, StopsAllInTheOrderOfTheirNames) {
+  Add("R", "r");
+  Add("JAVA", "java");
+  Add("PYTHON", "python");
+  manager_.stopX();
+  EXPECT_THAT(deleted_, ElementsAre("java", "python", "r"));
+  EXPECT_EQ(manager_.getStatisticsX("R"), nullptr);
+  Add("R", "again");
+  manager_.cleanup();
+  EXPECT_THAT(deleted_, ElementsAre("java", "python", "r", "again"));
+}
+
+TEST_F(XManagerTest, DeletesItsHostsAtItsEnd) {
+  {
+    XManager manager;
+    manager.addStatisticsX("R", new Host("r", &deleted_));
+  }
+  EXPECT_THAT(deleted_, ElementsAre("r"));
+}
+
+TEST_F(XManagerTest, TheProcessesOwnIsPlainlyStored) {
+  EXPECT_EQ(GetXManager(), nullptr);
+  SetXManager(&manager_);
+  EXPECT_EQ(GetXManager(), &manager_);
+  SetXManager(nullptr);
+  EXPECT_EQ(GetXManager(), nullptr);
+}
+
+}  // namespace

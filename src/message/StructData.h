@@ -1,0 +1,47 @@
+// A list of cell changes.
+//
+// Owned and used as `DataType` says.
+#ifndef KOVADX_MESSAGE_STRUCTDATA_H
+#define KOVADX_MESSAGE_STRUCTDATA_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "message/DataType.h"
+#include "message/dataSet.h"
+
+namespace kova {
+class ByteReader;
+class ByteWriter;
+}  // namespace kova
+
+class KOVADX_API StructData : public DataType {
+ public:
+  using Values = std::vector<dataSet>;
+
+  void* ConstructData(int& length) override;
+  void ParseData(const void* source, int& consumed) override;
+  int DataLength() override;
+  int Size() const override { return static_cast<int>(values_.size()); }
+
+  void SetValue(const dataSet& value) { values_.push_back(value); }
+  void AssignValue(const std::vector<dataSet>& values) { values_ = values; }
+  std::vector<dataSet> GetData() const { return values_; }
+  // `index` is 0-based and must be below Size().
+  dataSet& operator[](int index);
+  const dataSet& operator[](int index) const;
+  void CleanUp() { values_.clear(); }
+  // The values where they lie, valid until the list changes.
+  const Values& values() const { return values_; }
+
+  // The encoder's and the decoder's side. `read` appends what fits and is false when the bytes ended early.
+  std::int64_t wireLength() const;
+  void write(kova::ByteWriter& writer) const;
+  bool read(kova::ByteReader& reader);
+
+ private:
+  Values values_;
+};
+
+#endif

@@ -1,0 +1,22 @@
+// errno in the seam's language.
+#ifndef KOVADX_PLATFORM_POSIX_ERROR_POSIX_H
+#define KOVADX_PLATFORM_POSIX_ERROR_POSIX_H
+
+#include "platform/os/error.h"
+
+namespace kova::os {
+
+// Numbers that this backend alone gives.
+constexpr Error kInvalidParameter = 87;
+constexpr Error kInvalidName = 123;
+constexpr Error kPossibleDeadlock = 1131;
+
+// The Windows number of an errno; 31 (general failure) for one that the table does not know, 0 for 0.
+Error errorOfErrno(int number);
+
+// The Windows number of this thread's errno.
+Error lastError();
+
+}  // namespace kova::os
+
+#endif

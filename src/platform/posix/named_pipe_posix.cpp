@@ -1,0 +1,79 @@
+#include "platform/os/named_pipe.h"
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "pipe_address_posix.h"
+#include "pipe_end_posix.h"
+
+namespace kova::os {
+namespace {
+
+PipeEnd* endOf(NativeHandle pipe) { return static_cast<PipeEnd*>(pipe); }
+
+bool isHandle(NativeHandle pipe) { return pipe != nullptr && reinterpret_cast<std::intptr_t>(pipe) != -1; }
+
+}  // namespace
+
+Error CreateMessagePipe(const char* name, std::uint32_t, NativeHandle* out) {
+  auto end = std::make_unique<PipeEnd>();
+  const Error error = end->serve(name);
+  if (error == kSuccess) *out = end.release();
+  return error;
+}
+
+Error AcceptPeer(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->accept() : kInvalidHandle; }
+
+Error DisconnectPeer(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->disconnect() : kInvalidHandle; }
+
+Error ClosePipeHandle(NativeHandle pipe) {
+  if (!isHandle(pipe)) return kInvalidHandle;
+  delete endOf(pipe);
+  return kSuccess;
+}
+
+Error AwaitServer(const char* name, std::uint32_t) {
+  const std::string folder = pipeFolder();
+  sockaddr_un address;
+  Error error = pipeAddress(folder, name, &address);
+  if (error == kSuccess) error = checkPipeFolder(folder, geteuid());
+  return error == kSuccess ? probeServer(address) : error;
+}
+
+Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out) {
+  auto end = std::make_unique<PipeEnd>();
+  const Error error = end->open(name, access == PipeAccess::ReadWrite);
+  if (error == kSuccess) *out = end.release();
+  return error;
+}
+
+Error SetMessageReadMode(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->messageMode() : kInvalidHandle; }
+
+Error SetNoWaitMode(NativeHandle pipe) {
+  if (!isHandle(pipe)) return kInvalidHandle;
+  endOf(pipe)->setNoWait();
+  return kSuccess;
+}
+
+Error ReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read) {
+  *read = 0;
+  return isHandle(pipe) ? endOf(pipe)->read(buffer, size, read, true) : kInvalidHandle;
+}
+
+Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read) {
+  *read = 0;
+  return isHandle(pipe) ? endOf(pipe)->read(buffer, size, read, false) : kInvalidHandle;
+}
+
+Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std::uint32_t* written) {
+  return isHandle(pipe) ? endOf(pipe)->write(data, size, written) : kInvalidHandle;
+}
+
+// A local socket can not tell what its peer has read.
+Error FlushMessages(NativeHandle pipe) { return isHandle(pipe) ? kSuccess : kInvalidHandle; }
+
+Error CancelPipeWait(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->cancel() : kInvalidHandle; }
+
+}  // namespace kova::os

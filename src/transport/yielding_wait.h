@@ -1,0 +1,32 @@
+// How long a reader looks for a message without blocking before it blocks. Between two looks it offers the processor to
+// others, so that a reply that comes within microseconds costs neither side a sleep and a wake-up.
+//
+// The limit is a setting of the process: any thread may read or set it.
+#ifndef KOVADX_TRANSPORT_YIELDING_WAIT_H
+#define KOVADX_TRANSPORT_YIELDING_WAIT_H
+
+#include <cstdint>
+
+#include "platform/os/named_pipe.h"
+
+namespace kova {
+
+constexpr std::uint32_t kDefaultYieldUs = 20;
+constexpr std::uint32_t kLargestYieldUs = 1000;
+
+// The limit that a text states in microseconds: at most kLargestYieldUs, and kDefaultYieldUs for null and for a text
+// that is no whole number of 0 or more.
+std::uint32_t ParseYieldLimit(const char* text);
+
+// The limit in microseconds; 0 blocks at once. Taken from the environment variable KOVA_YIELD_US at its first use.
+std::uint32_t YieldLimitUs();
+
+// Replaces the limit for this process.
+void SetYieldLimitUs(std::uint32_t microseconds);
+
+// os::ReadMessage, preceded by looks for at most the limit. With a limit of 0 it is one read and nothing else.
+os::Error ReadMessageYielding(os::NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read);
+
+}  // namespace kova
+
+#endif

@@ -1,0 +1,90 @@
+#include "tests/kit/kit_system.h"
+
+#include "tests/kit/kit.h"
+
+#ifdef KOVA_KIT_FAKE
+#include "tests/os_fake/os_fake.h"
+#endif
+
+#ifdef _WIN32
+#include <windows.h>
+
+namespace kova::kit {
+
+unsigned long realProcessId() { return GetCurrentProcessId(); }
+void makePipeFolder() {}
+void removePipeFolder() {}
+std::string leftPipeFiles() { return {}; }
+bool hasChildLeft() { return false; }
+
+int systemHandleCount() {
+  DWORD count = 0;
+  return GetProcessHandleCount(GetCurrentProcess(), &count) ? static_cast<int>(count) : -1;
+}
+
+}  // namespace kova::kit
+
+#else
+#include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace kova::kit {
+namespace {
+
+std::string pipeFolder;
+
+}  // namespace
+
+unsigned long realProcessId() { return static_cast<unsigned long>(getpid()); }
+
+void makePipeFolder() {
+  char path[] = "/tmp/kova-kit-XXXXXX";
+  if (mkdtemp(path) == nullptr) return;
+  pipeFolder = path;
+  setenv("KOVA_PIPE_DIR", path, 1);
+}
+
+void removePipeFolder() {
+  std::error_code ignored;
+  if (!pipeFolder.empty()) std::filesystem::remove_all(pipeFolder, ignored);
+}
+
+std::string leftPipeFiles() {
+  std::string names;
+  std::error_code ignored;
+  for (const auto& entry : std::filesystem::directory_iterator(pipeFolder, ignored)) {
+    names += entry.path().filename().string() + " ";
+  }
+  return names;
+}
+
+bool hasChildLeft() {
+  siginfo_t info = {};
+  return waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+int systemHandleCount() {
+  DIR* folder = opendir("/proc/self/fd");
+  if (folder == nullptr) return -1;
+  int count = 0;
+  while (readdir(folder) != nullptr) ++count;
+  closedir(folder);
+  return count - 3;  // ".", ".." and the folder's own descriptor.
+}
+
+}  // namespace kova::kit
+#endif
+
+namespace kova::kit {
+
+#ifdef KOVA_KIT_FAKE
+int openHandleCount() { return static_cast<int>(fake::openPipeEnds()); }
+#else
+int openHandleCount() { return systemHandleCount(); }
+#endif
+
+}  // namespace kova::kit

@@ -1,0 +1,26 @@
+// The few things that the kit asks the real system for, whatever backend the tested code is linked with.
+#ifndef KOVADX_TESTS_KIT_KIT_SYSTEM_H
+#define KOVADX_TESTS_KIT_KIT_SYSTEM_H
+
+#include <string>
+
+namespace kova::kit {
+
+unsigned long realProcessId();
+
+// Gives this process and its children a pipe folder of their own, where the platform has one; removed by the second.
+void makePipeFolder();
+void removePipeFolder();
+
+// The socket files in that folder, blank between the names; empty when there is none.
+std::string leftPipeFiles();
+
+// How many descriptors or handles the system counts for this process; -1 when it does not tell.
+int systemHandleCount();
+
+// True when this process has a child, running or ended, that nobody waited for.
+bool hasChildLeft();
+
+}  // namespace kova::kit
+
+#endif

@@ -1,0 +1,96 @@
+// The in-memory backend of the seam, and how a test directs it: pipes between the threads of one process, a virtual
+// clock, an environment of its own, scripted programs, and any call told to fail.
+//
+// One state for the whole process; a test calls reset() before it begins and leaves no thread or handle behind. Every
+// function may be called on any thread.
+#ifndef KOVADX_TESTS_OS_FAKE_OS_FAKE_H
+#define KOVADX_TESTS_OS_FAKE_OS_FAKE_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/os/error.h"
+#include "platform/os/process.h"
+
+namespace kova::fake {
+
+// Forgets all that was scripted and logged, sets the clock back, empties the environment and the program table. Open
+// handles stay valid.
+void reset();
+
+// ---- Calls. A function is named as in the seam's headers ("ReadMessage"), a member with its class ("Process::Start").
+
+// Has the function fail from its `after`-th next call on (0: the very next), `count` times (~0u: for ever). A call that
+// fails does nothing else. A function without a result code then gives what it gives for nothing: null, false, empty.
+void fail(const char* function, os::Error error, unsigned after = 0, unsigned count = 1);
+
+// How often the function has been called since reset, failed calls included.
+unsigned callCount(const char* function);
+
+// Every call since reset, in order: the function's name, and after a blank its first text argument where it has one.
+// Calls that only look or take turns are counted but not listed: TickMs, TickUs, YieldThread, LocalTime,
+// CurrentThreadId, CurrentProcessId, NativePath, ErrorText, and the locks' Enter and Leave are neither.
+std::vector<std::string> calls();
+
+// ---- The clock. Nobody sleeps: SleepMs adds its time and returns. YieldThread adds a microsecond, to the ticks alone.
+// A wait with a time limit ends when that time is advanced by advanceMs, or when nothing has happened for the patience
+// (real milliseconds, 200 after reset) - then the limit is added to the virtual time at once.
+
+// The virtual time slept, waited out and advanced since reset.
+std::uint64_t elapsedMs();
+
+void advanceMs(std::uint64_t milliseconds);
+
+void setPatienceMs(std::uint32_t realMilliseconds);
+
+// ---- Pipes.
+
+// Cuts every present connection of that name, as if the other side's process had died: both ends read what has been
+// written, then 109, and write 232.
+void losePeer(const char* pipeName);
+
+// The next read that finds a message gives at most that many bytes of it (234, the rest stays).
+void shortNextRead(std::uint32_t bytes);
+
+// How many pipe ends of that name are open, server and client ends alike; of all names when it is null.
+unsigned openPipeEnds(const char* pipeName = nullptr);
+
+// ---- Programs. Process::Start finds only what was added here; names are compared with '\' and '/' alike.
+
+struct Program {
+  int exitCode = 0;
+  // How long it runs in virtual time; kWaitForever of named_pipe.h: until it is ended.
+  std::uint32_t runsForMs = 0;
+  // When set, it runs on a thread of its own instead, and its result is the exit code. It sees the test's memory, but
+  // has a process id and an environment of its own, as have the threads that it starts. A terminated one stops at its
+  // next call of the seam.
+  std::function<int(const os::ProcessStart&)> body;
+  // What Process::Start gives instead of starting it.
+  os::Error startError = os::kSuccess;
+  // What Process::Interrupt gives; when 0 the handler is called that the body has set, else the program ends with 130.
+  os::Error interruptError = os::kSuccess;
+};
+void registerProgram(const std::string& name, Program program);
+void registerProgram(const std::string& name, int exitCode);
+void registerProgram(const std::string& name, std::function<int(const os::ProcessStart&)> body);
+
+// What was started, in order.
+std::vector<os::ProcessStart> startedPrograms();
+
+// Ends a running program as if by itself. False when no such program runs.
+bool endProgram(std::uint32_t processId, int exitCode);
+
+// Does what the user's Ctrl-C does: calls the handler of SetEndRequestHandler on this thread. False when there is none.
+bool requestEnd();
+
+// ---- This process.
+
+void setProcessId(std::uint32_t processId);  // 0x1234 after reset.
+void setProgramPath(const std::string& path);
+void setModulePath(const std::string& path);
+
+}  // namespace kova::fake
+
+#endif
