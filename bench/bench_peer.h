@@ -1,8 +1,8 @@
-// What the benchmarks of the exchange share: a second process, two raw pipes and two message pipes to it, and a fair
+// What the benchmarks of the exchange share: a second process in the engine's part, two raw pipes to it, and a fair
 // comparison of two ways to do the same.
 //
-// The second process is the same program with arguments. It opens the four pipes that this one creates and serves the
-// raw pair and the message pair on a thread each; a thread that waits blocked costs nothing.
+// The second process is the same program with arguments. It serves the raw pair and the message pipes, which are named
+// as this process's client calls name them, on a thread each; a thread that waits blocked costs nothing.
 #ifndef KOVADX_BENCH_BENCH_PEER_H
 #define KOVADX_BENCH_BENCH_PEER_H
 
@@ -23,7 +23,6 @@
 #include "platform/os/process.h"
 #include "transport/KovaPipe.h"
 #include "transport/message_exchange.h"
-#include "transport/yielding_wait.h"
 
 namespace kova::bench {
 
@@ -44,29 +43,26 @@ struct RawPair {
     const os::Error error = os::ReadMessage(in, data, static_cast<std::uint32_t>(size), &read);
     return error == os::kSuccess ? static_cast<int>(read) : -1;
   }
-  void close() const {
-    os::ClosePipeHandle(out);
-    os::ClosePipeHandle(in);
-  }
 };
 
-inline std::string pipeName(const std::string& prefix, const char* pipe) { return prefix + pipe; }
+// The instance name that client calls are given, and what all pipe names begin with.
+constexpr const char* kInstanceName = "BENCH";
+inline std::string pipePrefix() {
+  char pid[16];
+  std::snprintf(pid, sizeof pid, "%04x", os::CurrentProcessId());
+  return std::string("\\\\.\\pipe\\") + pid + kInstanceName + "0";
+}
 
-// This process's side.
+// This process's side: makes the raw pair and starts the other process, which has its request pipe ready by then.
 class Peer {
  public:
-  explicit Peer(std::vector<std::string> arguments = {})
-      : prefix_("\\\\.\\pipe\\kova_bench_" + std::to_string(os::CurrentProcessId())),
-        requests(pipeName(prefix_, "requests")),
-        replies(pipeName(prefix_, "replies")) {
-    os::CreateMessagePipe(pipeName(prefix_, "rawrequests").c_str(), kPipeChunk, &raw.out);
-    os::CreateMessagePipe(pipeName(prefix_, "rawreplies").c_str(), kPipeChunk, &raw.in);
-    requests.CreatePipe();
-    replies.CreatePipe();
+  Peer() {
+    const std::string prefix = pipePrefix();
+    os::CreateMessagePipe((prefix + "rawrequests").c_str(), kPipeChunk, &raw.out);
+    os::CreateMessagePipe((prefix + "rawreplies").c_str(), kPipeChunk, &raw.in);
     os::ProcessStart start;
     start.program = os::ProgramPath();
-    start.arguments = {kPeerArgument, prefix_};
-    start.arguments.insert(start.arguments.end(), arguments.begin(), arguments.end());
+    start.arguments = {kPeerArgument, prefix};
     start.endsWithParent = true;
     if (os::Process::Start(start, &process_) != os::kSuccess) {
       std::fputs("the second process can not be started\n", stderr);
@@ -74,53 +70,46 @@ class Peer {
     }
     os::AcceptPeer(raw.out);
     os::AcceptPeer(raw.in);
-    requests.ConnectPipe();
-    replies.ConnectPipe();
   }
 
-  // The other side ends when its pipes do.
   ~Peer() {
-    raw.close();
-    requests.ClosePipe();
-    replies.ClosePipe();
     int code = 0;
+    process_.Terminate();
     process_.Wait(os::kWaitForever, &code);
+    os::ClosePipeHandle(raw.out);
+    os::ClosePipeHandle(raw.in);
   }
 
   Peer(const Peer&) = delete;
   Peer& operator=(const Peer&) = delete;
 
-  // One call through the message exchange; its transport status.
-  int call(CleXDSmb& request, CleXDSmb& reply) {
-    const int sent = SendData(&requests, request, true);
-    int status = 0;
-    if (sent == 0) ReceiveMessage(&replies, reply, &status);
-    return sent != 0 ? sent : status;
-  }
+  RawPair raw;
 
  private:
-  std::string prefix_;
   os::Process process_;
-
- public:
-  RawPair raw;
-  KovaPipe requests;
-  KovaPipe replies;
 };
 
-// The other process's side: connects, then serves the raw pair on a second thread.
-template <typename RawServer, typename MessageServer>
-int runPeer(const std::string& prefix, RawServer serveRaw, MessageServer serveMessages) {
+// The other process's side: serves the raw pair on a second thread, and answers requests until the client has gone.
+template <typename RawServer, typename Answer>
+int runPeer(const std::string& prefix, RawServer serveRaw, Answer answer) {
+  KovaPipe requests(prefix + "xdapi");
+  KovaPipe replies(prefix + "xdapiresult");
+  if (requests.CreatePipe() != 0) return 1;
   RawPair raw;
-  os::OpenPipe(pipeName(prefix, "rawrequests").c_str(), os::PipeAccess::ReadWrite, &raw.in);
-  os::OpenPipe(pipeName(prefix, "rawreplies").c_str(), os::PipeAccess::ReadWrite, &raw.out);
-  KovaPipe requests(pipeName(prefix, "requests"));
-  KovaPipe replies(pipeName(prefix, "replies"));
-  if (requests.KOVACreateFile() != 0 || replies.KOVACreateFile() != 0) return 1;
+  os::OpenPipe((prefix + "rawrequests").c_str(), os::PipeAccess::ReadWrite, &raw.in);
+  os::OpenPipe((prefix + "rawreplies").c_str(), os::PipeAccess::ReadWrite, &raw.out);
   std::thread rawThread([&] { serveRaw(raw); });
-  serveMessages(requests, replies);
+  requests.ConnectPipe();
+  for (;;) {
+    CleXDSmb request;
+    int status = 0;
+    ReceiveMessage(&requests, request, &status);
+    if (status != 0) break;
+    CleXDSmb reply;
+    answer(request, reply);
+    if (SendData(&replies, reply, false) != 0) break;
+  }
   rawThread.join();
-  raw.close();
   return 0;
 }
 

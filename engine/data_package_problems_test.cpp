@@ -66,6 +66,8 @@ TEST(DescriptorProblems, OfJson) {
       {"a number", " ^17", ": expected an object, found 17"},
   };
   for (const MarkedRow& row : rows) expectProblem(row, row.text);
+  EXPECT_EQ(problemOf("{\"a\": 1e999}", ""),
+            "datapackage.json: expected numbers within the range of a double, found a larger one");
 }
 
 TEST(DescriptorProblems, OfResources) {
@@ -162,7 +164,7 @@ TEST(DescriptorProblems, OfFields) {
 TEST(DescriptorProblems, OfASchemaWithoutFields) {
   EXPECT_EQ(
       problemOf(withFields(""), ""),
-      "datapackage.json, row 1, column 56 (resources/0/schema/fields): expected at least one field, found a list");
+      "datapackage.json, row 1, column 55 (resources/0/schema/fields): expected at least one field, found a list");
 }
 
 TEST(DescriptorProblems, CountRowsAndColumnsThroughNestedValues) {

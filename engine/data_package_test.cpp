@@ -76,7 +76,7 @@ TEST(DataPackage, ReadsThePenguinsCases) {
   EXPECT_EQ(penguins.cases.text(0, 0), "Adelie   ");
   EXPECT_EQ(penguins.cases.number(0, 2), 39.1);
   EXPECT_EQ(penguins.cases.number(3, 2), kSystemMissing);
-  EXPECT_EQ(penguins.cases.number(343, 6), 1.0);
+  EXPECT_EQ(penguins.cases.number(343, 6), 2.0);
 }
 
 TEST(DataPackage, FillsInWhatAFieldDoesNotSay) {

@@ -5,7 +5,7 @@
 namespace kova::engine {
 
 enum class ErrorCode : int {
-#define KOVA_ENGINE_ERROR(code, name, advice) k##name = code,
+#define KOVA_ENGINE_ERROR(code, name, advice) k##name = (code),
 #include "engine/error_codes.def"
 #undef KOVA_ENGINE_ERROR
 };

@@ -9,7 +9,7 @@
 namespace kova::engine {
 
 enum class FormatType : int {
-#define KOVA_FORMAT(code, name, hasDecimals) k##name = code,
+#define KOVA_FORMAT(code, name, hasDecimals) k##name = (code),
 #include "engine/formats.def"
 #undef KOVA_FORMAT
 };

@@ -46,7 +46,7 @@ class JsonScanner {
   std::string takeKey() {
     const std::size_t start = position_;
     skipString();
-    const auto key = nlohmann::json::parse(text_.substr(start, position_ - start)).get<std::string>();
+    auto key = nlohmann::json::parse(text_.substr(start, position_ - start)).get<std::string>();
     skipSeparator(':');
     return key;
   }
@@ -83,13 +83,15 @@ class JsonScanner {
   std::size_t position_ = 0;
 };
 
-// The parser's words behind "syntax error ", without the tail that repeats the input.
+// The parser's words for what it met: the part of its message behind the last " - ", up to what it repeats of the
+// input.
 std::string reasonOf(const nlohmann::json::parse_error& error) {
   std::string_view what = error.what();
-  const auto start = what.find("unexpected ");
-  if (start == std::string_view::npos) return "text that is not JSON";
-  what.remove_prefix(start + std::string_view("unexpected ").size());
-  return std::string(what.substr(0, what.find(';')));
+  const auto dash = what.find(" - ");
+  if (dash == std::string_view::npos) return "text that is not JSON";
+  what = what.substr(dash + 3, what.find(';', dash) - dash - 3);
+  constexpr std::string_view kUnexpected = "unexpected ";
+  return std::string(what.starts_with(kUnexpected) ? what.substr(kUnexpected.size()) : what);
 }
 
 nlohmann::json parse(const std::string& path, const std::string& text) {
@@ -103,6 +105,8 @@ nlohmann::json parse(const std::string& path, const std::string& text) {
   } catch (const nlohmann::json::parse_error& error) {
     const auto [row, column] = positionOf(text, error.byte > 0 ? error.byte - 1 : 0);
     throw DataProblem(problemLine({path, row, column, ""}, "JSON", reasonOf(error)));
+  } catch (const nlohmann::json::out_of_range&) {
+    throw DataProblem(problemLine({path, 0, 0, ""}, "numbers within the range of a double", "a larger one"));
   }
 }
 

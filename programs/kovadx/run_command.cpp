@@ -15,6 +15,8 @@
 #include "platform/os/file.h"
 #include "platform/os/named_pipe.h"
 #include "platform/os/process.h"
+#include "transport/KovaPipe.h"
+#include "transport/XPipes.h"
 
 namespace kova::program {
 namespace {
@@ -97,6 +99,13 @@ int waitForProgram(os::Process* program) {
   return endProgram(program);
 }
 
+// A program that was killed, or that ends without a word, leaves the name of its reply pipe behind. Taking the name
+// over and giving it up removes it; a name that somebody still uses is left alone.
+void removeReplyPipe(const std::string& baseName) {
+  KovaPipe pipe(baseName + XPipes::XDAPI_RESULT_PIPE);
+  pipe.CreatePipe();
+}
+
 int serve(engine::Engine* engine, const RunOptions& options, os::Process* program) {
   const std::string baseName = engine::XdapiServer::baseName(program->Id(), options.name, 0);
   engine::XdapiServer server(baseName,
@@ -110,7 +119,10 @@ int serve(engine::Engine* engine, const RunOptions& options, os::Process* progra
                std::to_string(started) + "); check that its folder belongs to you alone");
     return kOwnFailure;
   }
-  return waitForProgram(program);
+  const int exitCode = waitForProgram(program);
+  server.stop();
+  removeReplyPipe(baseName);
+  return exitCode;
 }
 
 bool openData(const RunOptions& options, engine::Engine* engine) {

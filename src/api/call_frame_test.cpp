@@ -5,8 +5,8 @@
 #include <new>
 #include <thread>
 
-#include "api/client_test.h"
 #include "api/guard.h"
+#include "tests/api/client_test.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"
 

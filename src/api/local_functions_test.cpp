@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "api/client_test.h"
+#include "tests/api/client_test.h"
 
 namespace {
 

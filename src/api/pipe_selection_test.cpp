@@ -1,10 +1,10 @@
 // The first call of a process: who it is, where its files lie, which suite it talks through.
 #include "api/pipe_selection.h"
 
-#include "api/client_test.h"
 #include "config/process_values.h"
 #include "host/XManager.h"
 #include "platform/os/environment.h"
+#include "tests/api/client_test.h"
 #include "transport/KovaPipe.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"

@@ -6,7 +6,7 @@
 #include <set>
 #include <sstream>
 
-#include "api/client_test.h"
+#include "tests/api/client_test.h"
 
 namespace {
 

@@ -60,8 +60,9 @@ class PlugInConfigReaderTest : public testing::Test {
     return result;
   }
 
-  unsigned long ask(const char* section, const char* key, char* buffer, unsigned long size) {
-    return reader_.GetPrivateProfileString(section, key, "ignored", buffer, size, path_.c_str());
+  unsigned long ask(const char* section, const char* key, char* buffer, std::size_t size) {
+    return reader_.GetPrivateProfileString(section, key, "ignored", buffer, static_cast<unsigned long>(size),
+                                           path_.c_str());
   }
 
   kova::kit::ScratchFolder folder_;

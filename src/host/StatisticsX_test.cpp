@@ -1,6 +1,6 @@
 #include "host/StatisticsX.h"
 
-#include "transport/traced_test.h"
+#include "tests/transport/traced_test.h"
 
 namespace {
 

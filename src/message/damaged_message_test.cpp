@@ -46,7 +46,7 @@ TEST(DamagedMessage, CutAnywhere) {
     touch(message);
     EXPECT_EQ(message.GetErrorCode(), length >= 12 ? 17 : 0);
     EXPECT_EQ(message.Longs().Size(), length >= 24 ? 2 : 0);
-    EXPECT_EQ(message.Strings().Size(), length >= 50 ? 2 : length >= 46 ? 1 : 0);
+    EXPECT_EQ(message.Strings().Size(), length >= 50 ? 2 : length >= 48 ? 1 : 0);
     int voidLength = 0;
     message.GetVoidData(voidLength);
     parsed += voidLength > 0 ? 1 : 0;

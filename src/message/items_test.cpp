@@ -207,7 +207,9 @@ TEST(PlainList, GrowsFromNearToFarAndBack) {
     copy = longsOf(std::vector<int>(20, 7));
     EXPECT_EQ(assigned.GetData(), moved.GetData());
     EXPECT_EQ(moved.Size(), static_cast<int>(count));
-    if (count > 0) EXPECT_EQ(moved[static_cast<int>(count) - 1], static_cast<int>(count) - 1);
+    if (count > 0) {
+      EXPECT_EQ(moved[static_cast<int>(count) - 1], static_cast<int>(count) - 1);
+    }
     EXPECT_EQ(copy.Size(), 20);
     copy = std::move(moved);
     EXPECT_EQ(copy.GetData(), assigned.GetData());

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "platform/os/named_pipe.h"
-#include "transport/traced_test.h"
+#include "tests/transport/traced_test.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // Manager, suites and sets together: they are one naming scheme.
 #include "transport/XPipeSuit.h"
 
+#include "tests/transport/traced_test.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipes.h"
-#include "transport/traced_test.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 #include <thread>
 
 #include "platform/os/named_pipe.h"
+#include "tests/transport/exchange_images.h"
+#include "tests/transport/traced_test.h"
 #include "transport/KovaPipe.h"
-#include "transport/exchange_images.h"
 #include "transport/message_exchange.h"
-#include "transport/traced_test.h"
 
 namespace {
 

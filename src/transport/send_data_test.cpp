@@ -1,10 +1,10 @@
 #include <numeric>
 #include <thread>
 
+#include "tests/transport/exchange_images.h"
+#include "tests/transport/traced_test.h"
 #include "transport/KovaPipe.h"
-#include "transport/exchange_images.h"
 #include "transport/message_exchange.h"
-#include "transport/traced_test.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include "transport/yielding_wait.h"
 
+#include "tests/transport/traced_test.h"
 #include "transport/KovaPipe.h"
-#include "transport/traced_test.h"
 
 namespace {
 

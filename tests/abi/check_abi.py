@@ -12,6 +12,8 @@ DECLARATION = re.compile(r"^KOVADX_API [^;(]*?(\w+)\(", re.MULTILINE)
 # What a compiler makes for a class beside its members.
 OF_A_CLASS = re.compile(r"^(?:vtable|VTT|typeinfo|typeinfo name) for ([\w:]+)$")
 THUNK = re.compile(r"^(?:(?:non-)?virtual thunk to|guard variable for) ")
+# The text type as its users write it, whatever the compiler calls it.
+TEXT_TYPE = "std::basic_string<char, std::char_traits<char>, std::allocator<char> >"
 # One row of a DLL's table of names: its place, the hint, the name.
 DLL_EXPORT = re.compile(r"^\s+\[\s*\d+\]\s+(?:\+base\[\s*\d+\]\s+[0-9a-f]+\s+)?(\S+)$", re.MULTILINE)
 
@@ -34,9 +36,8 @@ def names_of_dll(objdump, library):
 
 def demangled(names, cxxfilt):
     ordered = sorted(names)
-    # The tag that marks a function by its library's text type belongs to the name; it is left out of the lists.
-    texts = run(cxxfilt, text="\n".join(ordered)).splitlines()
-    return [text.replace("[abi:cxx11]", "").replace("std::__cxx11::", "std::") for text in texts]
+    texts = run(cxxfilt, text="\n".join(ordered)).replace("[abi:cxx11]", "").replace("std::__cxx11::", "std::")
+    return texts.replace(TEXT_TYPE, "std::string").splitlines()
 
 
 def read_list(path):
@@ -49,9 +50,7 @@ def read_list(path):
 def class_of(name, classes):
     """The listed class that an exported name belongs to, or None."""
     match = OF_A_CLASS.match(name)
-    if match:
-        return match.group(1) if match.group(1) in classes else None
-    name = THUNK.sub("", name)
+    name = match.group(1) + "::" if match else THUNK.sub("", name)
     return next((owner for owner in classes if name.startswith(owner + "::")), None)
 
 

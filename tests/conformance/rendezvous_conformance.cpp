@@ -260,6 +260,18 @@ TEST_F(Rendezvous, CancelReleasesAClientsRead) {
   EXPECT_EQ(received, (Received{os::kOperationAborted, ""}));
 }
 
+TEST_F(Rendezvous, CancelReleasesAClientsWrite) {
+  Connection pipe(name_);
+  Error written = os::kSuccess;
+  std::thread writer([&] {
+    while (written == os::kSuccess) written = pipe.client.write(pattern(8192));
+  });
+  EXPECT_EQ(pipe.client.cancel(), os::kSuccess);
+  writer.join();
+  EXPECT_EQ(written, os::kOperationAborted);
+  EXPECT_EQ(pipe.client.write("x"), os::kOperationAborted) << "and so every later write";
+}
+
 // The cancel meets the waiter at every stage of its way into the wait.
 TEST_F(Rendezvous, CancelIsNeverMissed) {
   for (int patience = 0; patience < 200; ++patience) {

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "tests/multiprocess/exchange_children.h"
-#include "transport/exchange_images.h"
+#include "tests/transport/exchange_images.h"
 #include "transport/message_exchange.h"
 
 namespace {

@@ -51,18 +51,26 @@ std::shared_ptr<ThreadState> launch(std::shared_ptr<ProcessState> process, std::
     threadState = state;
     const std::uint32_t exitCode = body();
     const std::lock_guard<std::mutex> lock(kernel().mutex);
-    if (!state->killed) state->exitCode = exitCode;
+    state->exitCode = state->killed ? kKilledExitCode : exitCode;
     state->ended = true;
     Call::notify();
   }).detach();
+  kernel().threads.push_back(state);
   return state;
 }
 
 void kill(ThreadState& thread) {
   thread.killed = true;
-  thread.ended = true;
-  thread.exitCode = kKilledExitCode;
   Call::notify();
+}
+
+void killThreadsOf(const ProcessState& process) {
+  auto& threads = kernel().threads;
+  std::erase_if(threads, [](const std::weak_ptr<ThreadState>& thread) { return thread.expired(); });
+  for (const std::weak_ptr<ThreadState>& weak : threads) {
+    const std::shared_ptr<ThreadState> thread = weak.lock();
+    if (thread && thread->process.get() == &process && thread != threadState) kill(*thread);
+  }
 }
 
 Call::Call(const char* function, const char* text, Logged logged) : lock_(kernel().mutex) {
@@ -102,8 +110,12 @@ bool Call::waitLimited(std::uint32_t limitMs, const std::function<bool()>& condi
 }
 
 void Call::parkIfKilled() {
-  const ThreadState& self = *currentThread();
-  kernel().changed.wait(lock_, [&] { return !self.killed; });
+  ThreadState& self = *currentThread();
+  if (!self.killed) return;
+  self.exitCode = kKilledExitCode;
+  self.ended = true;
+  notify();
+  for (;;) kernel().changed.wait(lock_);
 }
 
 void reset() {

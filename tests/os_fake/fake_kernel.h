@@ -31,7 +31,7 @@ struct ThreadState {
   std::shared_ptr<ProcessState> process;
   std::uint32_t id = 0;
   bool ended = false;
-  bool killed = false;
+  bool killed = false;  // It stands still, and counts as ended, from its next call of the seam on.
   std::uint32_t exitCode = 0;
 };
 
@@ -48,6 +48,8 @@ struct FailureRule {
 struct Kernel {
   std::mutex mutex;
   std::condition_variable changed;
+
+  std::vector<std::weak_ptr<ThreadState>> threads;
 
   std::vector<FailureRule> rules;
   std::map<std::string, unsigned> counts;
@@ -73,8 +75,9 @@ const std::shared_ptr<ProcessState>& ownProcess();
 // kernel locked.
 std::shared_ptr<ThreadState> launch(std::shared_ptr<ProcessState> process, std::function<std::uint32_t()> body);
 
-// Lets a thread stand still at its next call of the seam. Called with the kernel locked.
+// Kills a thread, or all threads of a process but the calling one. Called with the kernel locked.
 void kill(ThreadState& thread);
+void killThreadsOf(const ProcessState& process);
 
 enum class Logged { Yes, CountOnly };
 

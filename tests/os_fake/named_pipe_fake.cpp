@@ -255,6 +255,7 @@ Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std:
   End* const end = endOf(pipe);
   if (!end) return kInvalidHandle;
   if (!end->mayWrite) return kAccessDenied;
+  if (end->cancelled) return kOperationAborted;
   if (!end->connection) return end->listening ? kPipeListening : kNoData;
   const std::shared_ptr<Connection> connection = end->connection;
   Lane& lane = end->out();
@@ -264,7 +265,8 @@ Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std:
   lane.bytes += size;
   Call::notify();
   // The message lies in the pipe already; the writer stays until what is unread fits the pipe.
-  if (!end->noWait) call.wait([&] { return lane.bytes <= end->bufferSize || lane.readerGone; });
+  if (!end->noWait) call.wait([&] { return lane.bytes <= end->bufferSize || lane.readerGone || end->cancelled; });
+  if (end->cancelled) return kOperationAborted;
   if (lane.readerGone && lane.bytes > end->bufferSize) return kNoData;
   *written = size;
   return kSuccess;

@@ -30,13 +30,13 @@ void fail(const char* function, os::Error error, unsigned after = 0, unsigned co
 unsigned callCount(const char* function);
 
 // Every call since reset, in order: the function's name, and after a blank its first text argument where it has one.
-// Calls that only look or take turns are counted but not listed: TickMs, TickUs, YieldThread, LocalTime,
-// CurrentThreadId, CurrentProcessId, NativePath, ErrorText, and the locks' Enter and Leave are neither.
+// TickUs (which TickMs calls), YieldThread, LocalTime and TryEnterLock are counted but not listed; CurrentThreadId,
+// CurrentProcessId, NativePath, ErrorText, EnterLock and LeaveLock are neither, and never fail.
 std::vector<std::string> calls();
 
 // ---- The clock. Nobody sleeps: SleepMs adds its time and returns. YieldThread adds a microsecond, to the ticks alone.
-// A wait with a time limit ends when that time is advanced by advanceMs, or when nothing has happened for the patience
-// (real milliseconds, 200 after reset) - then the limit is added to the virtual time at once.
+// A wait with a time limit ends when advanceMs has passed that time, or after the patience (real milliseconds, 200 after
+// reset); then the limit is added to the virtual time at once.
 
 // The virtual time slept, waited out and advanced since reset.
 std::uint64_t elapsedMs();

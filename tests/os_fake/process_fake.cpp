@@ -29,11 +29,6 @@ struct RunningProgram {
   std::shared_ptr<fake::ProcessState> parent;  // Set when it ends with its parent.
 };
 
-void end(RunningProgram& running, int exitCode);
-
-// Ends a program from outside.
-void stop(RunningProgram& running, int exitCode);
-
 using Shared = std::shared_ptr<RunningProgram>;
 
 struct Programs {
@@ -58,21 +53,20 @@ void end(RunningProgram& running, int exitCode) {
   if (running.ended) return;
   running.ended = true;
   running.exitCode = exitCode;
+  fake::killThreadsOf(*running.process);
   fake::closePipesOf(*running.process);
   Call::notify();
   for (const Shared& other : std::vector<Shared>(programs().running)) {
-    if (other->parent == running.process) stop(*other, kKilled);
+    if (other->parent == running.process) end(*other, kKilled);
   }
-}
-
-void stop(RunningProgram& running, int exitCode) {
-  if (running.thread && !running.ended) fake::kill(*running.thread);
-  end(running, exitCode);
 }
 
 void lookAtClock(RunningProgram& running) {
   if (kernel().nowMs() >= running.endsAtMs) end(running, running.program.exitCode);
 }
+
+// A program that was ended from outside has gone when its thread stands still.
+bool hasGone(const RunningProgram& running) { return running.ended && (!running.thread || running.thread->ended); }
 
 Shared sharedOf(void* handle) { return *static_cast<Shared*>(handle); }
 
@@ -160,7 +154,7 @@ Error Process::Wait(std::uint32_t timeoutMs, int* exitCode) {
   if (!handle_) return kInvalidHandle;
   const Shared running = sharedOf(handle_);
   const bool ended = running->endsAtMs != kNever ? passTimeUntilEnd(*running, timeoutMs)
-                                                 : call.waitFor(timeoutMs, [&] { return running->ended; });
+                                                 : call.waitFor(timeoutMs, [&] { return hasGone(*running); });
   if (!ended) return kWaitTimeout;
   if (exitCode) *exitCode = running->exitCode;
   return kSuccess;
@@ -176,7 +170,7 @@ Error Process::Interrupt() {
     lookAtClock(*running);
     if (running->program.interruptError) return running->program.interruptError;
     if (!running->ended) handler = running->process->endRequestHandler;
-    if (!handler) stop(*running, kInterrupted);
+    if (!handler) end(*running, kInterrupted);
   }
   if (handler) handler();
   return kSuccess;
@@ -188,7 +182,7 @@ Error Process::Terminate() {
   if (!handle_) return kInvalidHandle;
   const Shared running = sharedOf(handle_);
   lookAtClock(*running);
-  stop(*running, kKilled);
+  end(*running, kKilled);
   return kSuccess;
 }
 
@@ -230,7 +224,7 @@ bool endProgram(std::uint32_t processId, int exitCode) {
   for (const os::Shared& running : os::programs().running) {
     lookAtClock(*running);
     if (running->process->id != processId || running->ended) continue;
-    os::stop(*running, exitCode);
+    os::end(*running, exitCode);
     return true;
   }
   return false;

@@ -27,7 +27,8 @@ Error CreateMessagePipe(const char* name, std::uint32_t bufferSize, NativeHandle
 // Server end: waits for a client. 535 when it came first, 0 when it came during the wait, 995 when cancelled.
 Error AcceptPeer(NativeHandle pipe);
 
-// Server end: drops the client, with whatever it has not read; the end can accept again. 0 also without a client.
+// Server end: drops the client; the end can accept again. 0 also without a client. What the client has not read is lost
+// where the platform can take it back; elsewhere the client reads that first and is then told that the pipe has ended.
 Error DisconnectPeer(NativeHandle pipe);
 
 // Frees the end. A server end takes its name with it, a client end nothing. Afterwards the handle is gone.
@@ -43,7 +44,8 @@ Error AwaitServer(const char* name, std::uint32_t timeoutMs);
 // when the server is another user's. The server can learn who the client is, but not act as the client.
 Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out);
 
-// Reads return whole messages (the state of a new end). 233 when the peer has gone.
+// Reads return whole messages (the state of a new end). 233 when the peer has gone; a
+// platform that would need a system call to see that may leave it to the next read or write.
 Error SetMessageReadMode(NativeHandle pipe);
 
 // From now on reads without data give 232 at once instead of waiting.
@@ -58,14 +60,15 @@ Error ReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint
 // gives 232 for it too; ReadMessage gets it then.
 Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read);
 
-// Writes one message. Waits while the pipe is full. 232 when the peer has gone. Raises no signal.
+// Writes one message. Waits while the pipe is full. 232 when the peer has gone, 233 or 232 after a disconnect, 536 when
+// no client has come yet. Raises no signal.
 Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std::uint32_t* written);
 
 // Waits until the peer has read everything, where the platform can; 0 otherwise.
 Error FlushMessages(NativeHandle pipe);
 
-// Wakes the threads that wait in AcceptPeer or ReadMessage of this end; they return 995, and so does every later wait
-// on this end until it is closed.
+// Wakes the threads that wait in AcceptPeer, ReadMessage or WriteMessage of this end; they return 995, and so does every
+// later wait and write on this end until it is closed. What was being written may have been sent or not.
 Error CancelPipeWait(NativeHandle pipe);
 
 }  // namespace kova::os

@@ -27,7 +27,8 @@ Error WaitThread(ThreadHandle thread, std::uint32_t timeoutMs, std::uint32_t* ex
 Error WaitThreads(const ThreadHandle* threads, std::uint32_t count, std::uint32_t timeoutMs);
 
 // Ends the thread where it stands (POSIX: at its next system call that can be cancelled); its exit code is then
-// 0xFFFFFFFF. What it held stays held: for a process about to end.
+// 0xFFFFFFFF. What it held stays held: for a process about to end. A body that catches everything must throw on what is
+// no exception of its own, since on POSIX the thread's frames are unwound.
 Error KillThread(ThreadHandle thread);
 
 // Stops and continues a thread. 50 where the platform has no such call.

@@ -145,7 +145,7 @@ void PipeEnd::dropClients() {
 Error PipeEnd::cancel() {
   const std::lock_guard<std::mutex> hold(change_);
   cancelled_ = true;
-  if (connection_) shutdown(connection_.get(), SHUT_RD);
+  if (connection_) shutdown(connection_.get(), SHUT_RDWR);
   if (wake_ && eventfd_write(wake_.get(), 1) != 0) return lastError();
   return kSuccess;
 }
@@ -218,6 +218,7 @@ Error PipeEnd::takeRest(void* buffer, std::uint32_t size, std::uint32_t* count) 
 
 Error PipeEnd::write(const void* data, std::uint32_t size, std::uint32_t* count) {
   if (!mayWrite_) return kAccessDenied;
+  if (cancelled_) return kOperationAborted;
   int connection = -1;
   const Error error = useConnection(&connection);
   if (error != kSuccess) return error;
@@ -230,6 +231,7 @@ Error PipeEnd::write(const void* data, std::uint32_t size, std::uint32_t* count)
     return kSuccess;
   }
   if (errno != EPIPE && errno != ECONNRESET) return lastError();
+  if (cancelled_) return kOperationAborted;
   peerGone_ = true;
   return kNoData;
 }

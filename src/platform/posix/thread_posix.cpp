@@ -23,9 +23,10 @@ struct Thread {
   void* const argument;
   pthread_t id = {};
   Monitor monitor;        // Guards what follows.
-  bool ended = false;     // Set by the thread as its last deed.
   bool released = false;  // Joined or detached.
-  std::uint32_t exitCode = kKilledCode;
+  // Atomic besides: a checker of threads does not see the mutex of a thread that was cancelled inside a system call.
+  std::atomic<bool> ended{false};  // Set by the thread as its last deed.
+  std::atomic<std::uint32_t> exitCode{kKilledCode};
   std::atomic<int> owners{2};
 
   void drop() {
@@ -114,7 +115,7 @@ Error WaitThread(ThreadHandle handle, std::uint32_t timeoutMs, std::uint32_t* ex
   if (isCurrentThreadHandle(handle)) return waitForOneself(timeoutMs);
   auto* const thread = static_cast<Thread*>(handle);
   const Monitor::Hold hold(thread->monitor);
-  if (!thread->monitor.waitFor(timeoutMs, [thread] { return thread->ended; })) return kWaitTimeout;
+  if (!thread->monitor.waitFor(timeoutMs, [thread] { return thread->ended.load(); })) return kWaitTimeout;
   if (!thread->released) {
     // Its thread-local objects are gone too, once this returns.
     pthread_join(thread->id, nullptr);

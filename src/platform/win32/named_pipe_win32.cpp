@@ -37,7 +37,7 @@ class BlockingCall {
  public:
   BlockingCall(Pipe* pipe, Wait kind) : pipe_(pipe) {
     const std::lock_guard<std::mutex> lock(pipe_->guard);
-    refusal_ = whyRefused(kind);
+    refusal_ = whyRefused();
     if (refusal_) return;
     pipe_->wait = kind;
     pipe_->waitingThread = GetCurrentThreadId();
@@ -60,9 +60,9 @@ class BlockingCall {
   }
 
  private:
-  Error whyRefused(Wait kind) const {
+  Error whyRefused() const {
     if (pipe_->disconnecting) return kPipeNotConnected;
-    return pipe_->cancelled && kind != Wait::Write ? kOperationAborted : kSuccess;
+    return pipe_->cancelled ? kOperationAborted : kSuccess;
   }
 
   Pipe* pipe_;
@@ -72,11 +72,11 @@ class BlockingCall {
 
 // Ends the blocking call under way. A cancel that comes just before the thread enters the system is lost, so it is
 // repeated until the thread has left.
-void endBlockingCall(Pipe* pipe, bool alsoWrites) {
+void endBlockingCall(Pipe* pipe) {
   for (;;) {
     {
       const std::lock_guard<std::mutex> lock(pipe->guard);
-      if (pipe->wait == Wait::None || (pipe->wait == Wait::Write && !alsoWrites)) return;
+      if (pipe->wait == Wait::None) return;
       const HANDLE thread = OpenThread(THREAD_TERMINATE, FALSE, pipe->waitingThread);
       if (thread == nullptr) return;
       CancelSynchronousIo(thread);
@@ -141,7 +141,7 @@ Error DisconnectPeer(NativeHandle pipe) {
     if (end->wait == Wait::Accept) return kSuccess;  // No client yet.
     end->disconnecting = true;
   }
-  endBlockingCall(end, true);
+  endBlockingCall(end);
   const Error result = resultOf(DisconnectNamedPipe(end->handle));
   const std::lock_guard<std::mutex> lock(end->guard);
   end->disconnecting = false;
@@ -229,7 +229,7 @@ Error CancelPipeWait(NativeHandle pipe) {
     const std::lock_guard<std::mutex> lock(pipeOf(pipe)->guard);
     pipeOf(pipe)->cancelled = true;
   }
-  endBlockingCall(pipeOf(pipe), false);
+  endBlockingCall(pipeOf(pipe));
   return kSuccess;
 }
 

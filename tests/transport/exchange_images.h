@@ -1,6 +1,6 @@
 // Message images for the tests of the exchange, whole and spoilt.
-#ifndef KOVADX_TRANSPORT_EXCHANGE_IMAGES_H
-#define KOVADX_TRANSPORT_EXCHANGE_IMAGES_H
+#ifndef KOVADX_TESTS_TRANSPORT_EXCHANGE_IMAGES_H
+#define KOVADX_TESTS_TRANSPORT_EXCHANGE_IMAGES_H
 
 #include <algorithm>
 #include <cstdint>

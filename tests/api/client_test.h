@@ -1,6 +1,6 @@
-// What the tests of this folder share: a client process in its first moments, and messages written by hand.
-#ifndef KOVADX_API_CLIENT_TEST_H
-#define KOVADX_API_CLIENT_TEST_H
+// What the tests of the client interface share: a client process in its first moments, and messages written by hand.
+#ifndef KOVADX_TESTS_API_CLIENT_TEST_H
+#define KOVADX_TESTS_API_CLIENT_TEST_H
 
 #include <bit>
 #include <cstdint>
@@ -15,7 +15,7 @@
 #include "api/kovadx_ext.h"
 #include "tests/kit/scripted_engine.h"
 #include "tests/os_fake/os_fake.h"
-#include "transport/traced_test.h"
+#include "tests/transport/traced_test.h"
 
 namespace kova {
 

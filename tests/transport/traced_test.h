@@ -1,6 +1,6 @@
-// What the tests of this folder share: a fixture on the in-memory backend that reads back what was traced.
-#ifndef KOVADX_TRANSPORT_TRACED_TEST_H
-#define KOVADX_TRANSPORT_TRACED_TEST_H
+// What the tests of the transport share: a fixture on the in-memory backend that reads back what was traced.
+#ifndef KOVADX_TESTS_TRANSPORT_TRACED_TEST_H
+#define KOVADX_TESTS_TRANSPORT_TRACED_TEST_H
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,0 +1,278 @@
+#!/usr/bin/python3
+"""Runs the kovadx command as its users do, from the home folder that the build assembled.
+
+Usage: kovadx_test.py --home FOLDER [--emulator PROGRAM] [--preload LIBRARY]
+
+With an emulator the home folder is that of the Windows build. --preload names the sanitizer's runtime, which a program
+that loads an instrumented library must load first.
+"""
+import argparse
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+HERE = pathlib.Path(__file__).resolve().parent
+PENGUINS = HERE.parent.parent / "examples" / "penguins"
+EXPECTED = (HERE / "penguins_dictionary.txt").read_text().splitlines()
+PATIENCE = 90  # Seconds for a run as a whole; an emulator's first start takes some.
+
+options = None
+
+
+def is_alive(pid):
+    """True when the process runs. One that has ended but was not collected yet does not."""
+    try:
+        state = pathlib.Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()[0]
+    except (FileNotFoundError, ProcessLookupError):
+        return False
+    return state != "Z"
+
+
+def wait_until(condition, what):
+    end = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > end:
+            raise AssertionError(f"waited in vain: {what}")
+        time.sleep(0.005)
+
+
+class KovadxTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="kovadx_test_"))
+        self.addCleanup(shutil.rmtree, self.scratch, ignore_errors=True)
+        self.pipes = self.scratch / "pipes"
+        self.pipes.mkdir(mode=0o700)
+        self.addCleanup(self.check_nothing_left)
+
+    def check_nothing_left(self):
+        left = list(self.pipes.glob("*xdapi*"))
+        self.assertEqual(left, [], "socket files were left behind")
+
+    def command(self, *arguments):
+        suffix = ".exe" if options.emulator else ""
+        start = [options.emulator] if options.emulator else []
+        return [*start, str(options.home / f"kovadx{suffix}"), *map(str, arguments)]
+
+    def environment(self, preload=False):
+        environment = {**os.environ, "KOVA_PIPE_DIR": str(self.pipes)}
+        for name in ("KOVA_HOME", "KOVA_XNAME", "KOVADXTEMP"):
+            environment.pop(name, None)
+        if preload and options.preload:
+            environment.update(LD_PRELOAD=options.preload, ASAN_OPTIONS="detect_leaks=0")
+        return environment
+
+    def kovadx(self, *arguments, preload=False, **more):
+        """Runs kovadx to its end: exit code, output lines, error lines."""
+        run = subprocess.run(self.command(*arguments), env=self.environment(preload), capture_output=True, text=True,
+                             timeout=PATIENCE, **more)
+        return run.returncode, run.stdout.splitlines(), run.stderr.splitlines()
+
+    def start(self, *arguments):
+        process = subprocess.Popen(self.command(*arguments), env=self.environment(), stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, text=True)
+        self.addCleanup(process.stdout.close)
+        self.addCleanup(process.stderr.close)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def describe(self):
+        return options.home / "examples" / "penguins" / ("describe.exe" if options.emulator else "describe")
+
+    def shell(self, posix, windows):
+        return ["cmd", "/c", windows] if options.emulator else ["/bin/sh", "-c", posix]
+
+
+class CommandLine(KovadxTest):
+    def test_version(self):
+        self.assertEqual(self.kovadx("--version"), (0, ["kovadx 1.0.0"], []))
+
+    def test_help_has_examples(self):
+        for arguments in (["--help"], ["run", "--help"]):
+            code, output, _ = self.kovadx(*arguments)
+            self.assertEqual(code, 0)
+            self.assertIn("  kovadx run --data examples/penguins -- examples/penguins/describe", output)
+
+    def test_errors_are_one_line(self):
+        for arguments, line in (
+            ([], "kovadx: A subcommand is required; see kovadx --help"),
+            (["fly"], "kovadx: A subcommand is required; see kovadx --help"),
+            (["run"], 'kovadx: no program to run; name it behind "--", as in: kovadx run -- PROGRAM ARGS...'),
+            (["run", "--"], 'kovadx: no program to run; name it behind "--", as in: kovadx run -- PROGRAM ARGS...'),
+            (["run", "--data"], "kovadx: --data: 1 required TEXT missing; see kovadx --help"),
+            (["run", "--name", "a b", "--", "x"],
+             'kovadx: --name: expected 1 to 32 letters, digits and underscores, found "a b"; see kovadx --help'),
+            (["run", "--home", "no/such", "--", "x"],
+             "kovadx: no such home folder: no/such; give the folder that holds the library with --home"),
+        ):
+            with self.subTest(arguments=arguments):
+                self.assertEqual(self.kovadx(*arguments), (125, [], [line]))
+
+
+class Examples(KovadxTest):
+    def test_the_c_program_prints_the_dictionary(self):
+        self.assertEqual(self.kovadx("run", "--data", PENGUINS, "--", self.describe()), (0, EXPECTED, []))
+
+    def test_the_descriptor_may_be_named_itself(self):
+        data = PENGUINS / "datapackage.json"
+        code, output, _ = self.kovadx("run", "--data", data, "--name", "other_1", "--", self.describe())
+        self.assertEqual((code, output), (0, EXPECTED))
+
+    def test_without_data_the_program_learns_so(self):
+        run = self.kovadx("run", "--", self.describe())
+        self.assertEqual(run, (1, [], ["describe: GetVariableCount failed with code 98004"]))
+
+    def test_many_at_once(self):
+        results = []
+        run = ["run", "--data", PENGUINS, "--", self.describe()]
+        threads = [threading.Thread(target=lambda: results.append(self.kovadx(*run))) for _ in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        self.assertEqual(results, [(0, EXPECTED, [])] * 4)
+
+    def test_malformed_data_is_one_line(self):
+        (self.scratch / "datapackage.json").write_text('{"resources": 5}')
+        code, output, errors = self.kovadx("run", "--data", self.scratch, "--", self.describe())
+        line = f"kovadx: can not read the data: {self.scratch}/datapackage.json, row 1, column 15 (resources): "
+        self.assertEqual((code, output, errors), (125, [], [line + "expected a list, found 5"]))
+
+
+class Programs(KovadxTest):
+    def test_the_exit_code_is_the_programs(self):
+        for code in (0, 7, 255):
+            with self.subTest(code=code):
+                self.assertEqual(self.kovadx("run", "--", *self.shell(f"exit {code}", f"exit {code}"))[0], code)
+
+    def test_streams_pass_through(self):
+        shell = self.shell("cat; echo problem >&2; exit 3", "findstr x & echo problem>&2 & exit 3")
+        code, output, errors = self.kovadx("run", "--", *shell, input="x1\nx2\n")
+        self.assertEqual((code, output, [line.strip() for line in errors]), (3, ["x1", "x2"], ["problem"]))
+
+    def test_the_program_learns_home_and_name(self):
+        shell = self.shell('echo "$KOVA_HOME"; echo "$KOVA_XNAME"; echo "$KOVADXTEMP"',
+                           "echo %KOVA_HOME%& echo %KOVA_XNAME%& echo %KOVADXTEMP%")
+        code, output, _ = self.kovadx("run", "--name", "python", "--", *shell)
+        self.assertEqual((code, output[1]), (0, "PYTHON"))
+        self.assertTrue(output[0].replace("\\", "/").endswith(str(options.home)), output[0])
+        self.assertNotEqual(output[2].strip(), "")
+
+    def test_a_program_that_is_not_there(self):
+        run = self.kovadx("run", "--", "no-such-program")
+        self.assertEqual(run, (127, [], ["kovadx: program not found: no-such-program; check its path, or PATH"]))
+
+
+class PosixExamples(KovadxTest):
+    def test_the_python_program_prints_the_dictionary(self):
+        script = options.home / "examples" / "penguins" / "describe.py"
+        run = self.kovadx("run", "--data", PENGUINS, "--", "/usr/bin/python3", script, preload=True)
+        self.assertEqual(run, (0, EXPECTED, []))
+
+
+class PosixPrograms(KovadxTest):
+    def test_the_home_is_searched_for_libraries(self):
+        _, output, _ = self.kovadx("run", "--", "/bin/sh", "-c", 'echo "$LD_LIBRARY_PATH"')
+        self.assertEqual(output[0].split(":")[0], str(options.home))
+
+    def test_arguments_pass_through_untouched(self):
+        script = 'for a in "$@"; do echo "[$a]"; done'
+        arguments = ["", "a b", "--", "--help", "-x", "$HOME", "*"]
+        _, output, _ = self.kovadx("run", "--", "/bin/sh", "-c", script, "sh", *arguments)
+        self.assertEqual(output, [f"[{argument}]" for argument in arguments])
+
+    def test_a_program_that_can_not_be_run(self):
+        program = self.scratch / "text"
+        program.write_text("just text")
+        code, output, errors = self.kovadx("run", "--", program)
+        self.assertEqual((code, output, len(errors)), (126, [], 1))
+        self.assertRegex(errors[0], rf"^kovadx: program can not be run: {program} \(.+\); check that it is executable$")
+
+    def test_a_signal_that_ends_the_program(self):
+        for number in (signal.SIGTERM, signal.SIGKILL, signal.SIGSEGV):
+            with self.subTest(signal=number):
+                self.assertEqual(self.kovadx("run", "--", "/bin/sh", "-c", f"kill -{int(number)} $$")[0], 128 + number)
+
+    def test_a_program_that_dies_in_a_call(self):
+        script = self.scratch / "dies.py"
+        script.write_text(
+            "import os, runpy, signal, sys, threading\n"
+            "describe = runpy.run_path(sys.argv[1])\n"
+            "engine = describe['Engine'](os.environ['KOVA_XNAME'], os.environ['KOVA_HOME'])\n"
+            "threading.Timer(0.05, lambda: os.kill(os.getpid(), signal.SIGKILL)).start()\n"
+            "while True: engine.value('GetVariableCount')\n")
+        run = self.kovadx("run", "--data", PENGUINS, "--", "/usr/bin/python3", script, PENGUINS / "describe.py",
+                          preload=True)
+        self.assertEqual(run, (137, [], []))
+
+
+class PosixEnding(KovadxTest):
+    """Ctrl-C, and a kovadx that is killed: the program never outlives it."""
+
+    SLEEPER = "echo $$; exec sleep 600"
+    STUBBORN = "trap '' INT; echo $$; exec sleep 600"
+
+    def run_until_up(self, script):
+        process = self.start("run", "--data", PENGUINS, "--", "/bin/sh", "-c", script)
+        pid = int(process.stdout.readline())
+        self.assertTrue(is_alive(pid))
+        return process, pid
+
+    def test_an_interrupt_ends_the_program_too(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(signal=number):
+                process, pid = self.run_until_up(self.SLEEPER)
+                process.send_signal(number)
+                self.assertEqual(process.wait(PATIENCE), 128 + signal.SIGINT)
+                self.assertFalse(is_alive(pid))
+                self.assertEqual(process.stderr.read(), "")
+
+    def test_a_program_that_ignores_the_interrupt_is_ended(self):
+        process, pid = self.run_until_up(self.STUBBORN)
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(PATIENCE), 128 + signal.SIGKILL)
+        self.assertFalse(is_alive(pid))
+
+    def test_a_program_that_ends_well_on_an_interrupt_has_its_own_code(self):
+        process, _ = self.run_until_up("trap 'exit 5' INT; echo $$; while :; do sleep 0.02; done")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(PATIENCE), 5)
+
+    def test_the_program_does_not_outlive_a_killed_kovadx(self):
+        process, pid = self.run_until_up(self.STUBBORN)
+        process.kill()
+        process.wait(PATIENCE)
+        wait_until(lambda: not is_alive(pid), "the program ends")
+        for socket in self.pipes.glob("*xdapi"):
+            socket.unlink()  # The killed server's own: the next one of that name replaces it.
+
+
+# What runs under an emulator too, and what needs a shell and signals of this system.
+PORTABLE = (CommandLine, Examples, Programs)
+POSIX = (PosixExamples, PosixPrograms, PosixEnding)
+
+
+def main():
+    global options
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--home", type=pathlib.Path, required=True)
+    parser.add_argument("--emulator")
+    parser.add_argument("--preload")
+    options = parser.parse_args()
+    classes = PORTABLE if options.emulator else PORTABLE + POSIX
+    loader = unittest.TestLoader()
+    suite = unittest.TestSuite(loader.loadTestsFromTestCase(test_class) for test_class in classes)
+    sys.exit(not unittest.TextTestRunner(verbosity=2).run(suite).wasSuccessful())
+
+
+if __name__ == "__main__":
+    main()
