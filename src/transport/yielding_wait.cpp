@@ -23,6 +23,30 @@ std::atomic<std::uint32_t>& limit() {
   return value;
 }
 
+struct Looks {
+  os::Error result = os::kNoData;
+  bool yielded = false;
+  std::uint64_t longestYieldUs = 0;
+};
+
+// Looks for a message until the limit is over.
+Looks lookForMessage(os::NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read,
+                     std::uint32_t limitUs) {
+  Looks looks;
+  const std::uint64_t start = os::TickUs();
+  std::uint64_t before = start;
+  for (;;) {
+    looks.result = os::TryReadMessage(pipe, buffer, size, read);
+    if (looks.result != os::kNoData && !looks.yielded) return looks;
+    const std::uint64_t now = os::TickUs();
+    if (looks.yielded) looks.longestYieldUs = std::max(looks.longestYieldUs, now - before);
+    if (looks.result != os::kNoData || now - start >= limitUs) return looks;
+    before = now;
+    looks.yielded = true;
+    os::YieldThread();
+  }
+}
+
 }  // namespace
 
 std::uint32_t ParseYieldLimit(const char* text) {
@@ -40,18 +64,29 @@ void SetYieldLimitUs(std::uint32_t microseconds) {
   limit().store(std::min(microseconds, kLargestYieldUs), std::memory_order_relaxed);
 }
 
-os::Error ReadMessageYielding(os::NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read) {
-  const std::uint32_t limitUs = YieldLimitUs();
-  if (limitUs == 0) return os::ReadMessage(pipe, buffer, size, read);
-  const std::uint64_t start = os::TickUs();
-  // A look takes a good part of a microsecond, so the count is a second bound where time stands still.
-  for (std::uint32_t looks = 0; looks < 10 * limitUs; ++looks) {
-    const os::Error error = os::TryReadMessage(pipe, buffer, size, read);
-    if (error != os::kNoData) return error;
-    if (os::TickUs() - start >= limitUs) break;
-    os::YieldThread();
+bool YieldPacer::mayLook() {
+  const std::uint32_t left = waitsToBlock_.load(std::memory_order_relaxed);
+  if (left != 0) waitsToBlock_.store(left - 1, std::memory_order_relaxed);
+  return left == 0;
+}
+
+void YieldPacer::noteYield(std::uint64_t microseconds) {
+  const std::uint32_t pause = pause_.load(std::memory_order_relaxed);
+  if (microseconds > kLongYieldUs) {
+    waitsToBlock_.store(pause, std::memory_order_relaxed);
+    pause_.store(std::min(2 * pause, kLongestPause), std::memory_order_relaxed);
+  } else if (pause > kFirstPause) {
+    pause_.store(pause - 1, std::memory_order_relaxed);
   }
-  return os::ReadMessage(pipe, buffer, size, read);
+}
+
+os::Error ReadMessageYielding(os::NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read) {
+  static YieldPacer pacer;
+  const std::uint32_t limitUs = YieldLimitUs();
+  if (limitUs == 0 || !pacer.mayLook()) return os::ReadMessage(pipe, buffer, size, read);
+  const Looks looks = lookForMessage(pipe, buffer, size, read, limitUs);
+  if (looks.yielded) pacer.noteYield(looks.longestYieldUs);
+  return looks.result == os::kNoData ? os::ReadMessage(pipe, buffer, size, read) : looks.result;
 }
 
 }  // namespace kova

@@ -80,6 +80,39 @@ TEST_F(YieldingWait, BlocksAfterTheLimit) {
   EXPECT_EQ(callCount("YieldThread"), 20u) << "each yield takes a microsecond of the virtual time";
 }
 
+TEST(YieldPacer, LetsEveryWaitLookAtFirst) {
+  kova::YieldPacer pacer;
+  for (int i = 0; i < 100; ++i) {
+    EXPECT_TRUE(pacer.mayLook());
+    pacer.noteYield(kova::YieldPacer::kLongYieldUs);
+  }
+}
+
+// How many waits block after a yield that took long.
+unsigned blockedAfterALongYield(kova::YieldPacer& pacer) {
+  pacer.noteYield(kova::YieldPacer::kLongYieldUs + 1);
+  unsigned blocked = 0;
+  while (!pacer.mayLook()) ++blocked;
+  return blocked;
+}
+
+TEST(YieldPacer, BlocksTwiceAsLongAfterEachLongYield) {
+  kova::YieldPacer pacer;
+  EXPECT_EQ(blockedAfterALongYield(pacer), 64u);
+  EXPECT_EQ(blockedAfterALongYield(pacer), 128u);
+  for (int i = 0; i < 20; ++i) blockedAfterALongYield(pacer);
+  EXPECT_EQ(blockedAfterALongYield(pacer), 65536u);
+}
+
+TEST(YieldPacer, WaitsThatPassWellShortenThePause) {
+  kova::YieldPacer pacer;
+  blockedAfterALongYield(pacer);
+  for (int i = 0; i < 10; ++i) pacer.noteYield(5);
+  EXPECT_EQ(blockedAfterALongYield(pacer), 118u);
+  for (int i = 0; i < 1000; ++i) pacer.noteYield(5);
+  EXPECT_EQ(blockedAfterALongYield(pacer), 64u);
+}
+
 TEST_F(YieldingWait, AnErrorEndsTheLooks) {
   kova::SetYieldLimitUs(20);
   client_.ClosePipe();

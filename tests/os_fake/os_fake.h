@@ -35,8 +35,8 @@ unsigned callCount(const char* function);
 std::vector<std::string> calls();
 
 // ---- The clock. Nobody sleeps: SleepMs adds its time and returns. YieldThread adds a microsecond, to the ticks alone.
-// A wait with a time limit ends when advanceMs has passed that time, or after the patience (real milliseconds, 200 after
-// reset); then the limit is added to the virtual time at once.
+// A wait with a time limit ends when advanceMs has passed that time, or after the patience (real milliseconds, 200
+// after reset); then the limit is added to the virtual time at once.
 
 // The virtual time slept, waited out and advanced since reset.
 std::uint64_t elapsedMs();
