@@ -67,8 +67,8 @@ Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std:
 // Waits until the peer has read everything, where the platform can; 0 otherwise.
 Error FlushMessages(NativeHandle pipe);
 
-// Wakes the threads that wait in AcceptPeer, ReadMessage or WriteMessage of this end; they return 995, and so does every
-// later wait and write on this end until it is closed. What was being written may have been sent or not.
+// Wakes the threads that wait in AcceptPeer, ReadMessage or WriteMessage of this end; they return 995, and so does
+// every later wait and write on this end until it is closed. What was being written may have been sent or not.
 Error CancelPipeWait(NativeHandle pipe);
 
 }  // namespace kova::os

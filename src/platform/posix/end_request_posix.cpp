@@ -9,8 +9,8 @@
 #include <cstddef>
 #include <mutex>
 
-#include "error_posix.h"
 #include "platform/os/process.h"
+#include "platform/posix/error_posix.h"
 
 namespace kova::os {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "error_posix.h"
+#include "platform/posix/error_posix.h"
 
 namespace kova::os {
 

@@ -1,4 +1,4 @@
-#include "error_posix.h"
+#include "platform/posix/error_posix.h"
 
 #include <cerrno>
 #include <string>

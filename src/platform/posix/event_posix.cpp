@@ -7,8 +7,8 @@
 #include <new>
 #include <string>
 
-#include "error_posix.h"
-#include "monotonic_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/monotonic_posix.h"
 
 namespace kova::os {
 namespace {

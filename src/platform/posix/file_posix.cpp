@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "error_posix.h"
+#include "platform/posix/error_posix.h"
 
 namespace kova::os {
 namespace {

@@ -1,4 +1,4 @@
-#include "monotonic_posix.h"
+#include "platform/posix/monotonic_posix.h"
 
 #include <time.h>
 

@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "pipe_address_posix.h"
-#include "pipe_end_posix.h"
+#include "platform/posix/pipe_address_posix.h"
+#include "platform/posix/pipe_end_posix.h"
 
 namespace kova::os {
 namespace {

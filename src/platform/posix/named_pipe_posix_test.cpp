@@ -14,10 +14,10 @@
 #include <thread>
 #include <vector>
 
-#include "error_posix.h"
-#include "pipe_address_posix.h"
-#include "pipe_folder_scope_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/pipe_address_posix.h"
 #include "tests/kit/kit.h"
+#include "tests/kit/pipe_folder_scope_posix.h"
 
 namespace kova::os {
 namespace {

@@ -1,4 +1,4 @@
-#include "pipe_address_posix.h"
+#include "platform/posix/pipe_address_posix.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -10,8 +10,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "error_posix.h"
 #include "platform/os/environment.h"
+#include "platform/posix/error_posix.h"
 
 namespace kova::os {
 namespace {

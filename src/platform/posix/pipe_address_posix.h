@@ -10,8 +10,8 @@
 #include <string>
 #include <string_view>
 
-#include "descriptor_posix.h"
 #include "platform/os/error.h"
+#include "platform/posix/descriptor_posix.h"
 
 namespace kova::os {
 

@@ -1,4 +1,4 @@
-#include "pipe_address_posix.h"
+#include "platform/posix/pipe_address_posix.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,9 +8,9 @@
 #include <filesystem>
 #include <string>
 
-#include "error_posix.h"
-#include "pipe_folder_scope_posix.h"
-#include "socket_file_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/socket_file_posix.h"
+#include "tests/kit/pipe_folder_scope_posix.h"
 
 namespace kova::os {
 namespace {

@@ -1,4 +1,4 @@
-#include "pipe_end_posix.h"
+#include "platform/posix/pipe_end_posix.h"
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -11,8 +11,8 @@
 #include <cstring>
 #include <new>
 
-#include "error_posix.h"
-#include "pipe_address_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/pipe_address_posix.h"
 
 namespace kova::os {
 namespace {

@@ -10,9 +10,9 @@
 #include <memory>
 #include <mutex>
 
-#include "descriptor_posix.h"
 #include "platform/os/error.h"
-#include "socket_file_posix.h"
+#include "platform/posix/descriptor_posix.h"
+#include "platform/posix/socket_file_posix.h"
 
 namespace kova::os {
 

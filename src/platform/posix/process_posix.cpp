@@ -12,10 +12,10 @@
 #include <mutex>
 #include <vector>
 
-#include "descriptor_posix.h"
-#include "error_posix.h"
-#include "monotonic_posix.h"
-#include "program_image_posix.h"
+#include "platform/posix/descriptor_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/monotonic_posix.h"
+#include "platform/posix/program_image_posix.h"
 
 namespace kova::os {
 namespace {

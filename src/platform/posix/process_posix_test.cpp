@@ -11,9 +11,9 @@
 #include <cstdio>
 #include <string>
 
-#include "descriptor_posix.h"
 #include "platform/os/environment.h"
 #include "platform/os/named_pipe.h"
+#include "platform/posix/descriptor_posix.h"
 #include "tests/kit/kit.h"
 
 namespace kova::os {

@@ -1,4 +1,4 @@
-#include "program_image_posix.h"
+#include "platform/posix/program_image_posix.h"
 
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "socket_file_posix.h"
+#include "platform/posix/socket_file_posix.h"
 
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -6,8 +6,8 @@
 
 #include <cerrno>
 
-#include "error_posix.h"
-#include "pipe_address_posix.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/pipe_address_posix.h"
 
 namespace kova::os {
 namespace {

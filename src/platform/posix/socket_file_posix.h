@@ -5,8 +5,8 @@
 #include <sys/types.h>
 #include <sys/un.h>
 
-#include "descriptor_posix.h"
 #include "platform/os/error.h"
+#include "platform/posix/descriptor_posix.h"
 
 namespace kova::os {
 

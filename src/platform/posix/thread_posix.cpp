@@ -6,9 +6,9 @@
 #include <atomic>
 #include <cerrno>
 
-#include "error_posix.h"
-#include "monotonic_posix.h"
 #include "platform/os/clock.h"
+#include "platform/posix/error_posix.h"
+#include "platform/posix/monotonic_posix.h"
 
 namespace kova::os {
 namespace {
