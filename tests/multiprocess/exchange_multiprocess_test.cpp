@@ -120,24 +120,47 @@ TEST(ExchangeWithTwoClients, TheSecondIsServedWhenTheFirstHasGone) {
   EXPECT_EQ(kova::kit::waitForChild(second), 0);
 }
 
+// Of several clients of one request pipe, each has a reply pipe of its own; its place in the list travels in the
+// request.
 KOVA_KIT_CHILD(asks_while_another_is_served) {
   Client client(arguments);
   CleXDSmb request;
-  request.SetLong(7);
+  request.SetLong(std::stoi(arguments.at(2)));
   CleXDSmb reply;
   return client.call(request, reply) == 0 && reply.FirstLong() == 7 ? 0 : 1;
 }
 
+// Answers one request of whichever client comes first and waits until that client has gone. Its place, or -1.
+int serveWhoeverComes(KovaPipe& requests, KovaPipe* replies, int count) {
+  const int connected = requests.ConnectPipe();
+  CleXDSmb request;
+  if ((connected != 0 && connected != 535) || ReceiveData(&requests, request) != 0) return -1;
+  const int place = request.FirstLong();
+  if (place < 0 || place >= count) return -1;
+  replies[place].ConnectPipe();
+  CleXDSmb reply;
+  reply.SetLong(7);
+  if (SendData(&replies[place], reply) != 0) return -1;
+  const bool gone = ReceiveData(&requests, request) != 0;
+  return gone && requests.DisconnectPipe() == 0 ? place : -1;
+}
+
 TEST(ExchangeWithTwoClients, BothAreServedOneAfterTheOther) {
-  Conversation conversation;
-  ASSERT_TRUE(conversation.created());
-  auto first = kova::kit::startChild("asks_while_another_is_served", conversation.names());
-  auto second = kova::kit::startChild("asks_while_another_is_served", conversation.names());
-  EXPECT_EQ(serve(conversation), 1);
-  ASSERT_TRUE(conversation.disconnect());
-  EXPECT_EQ(serve(conversation), 1);
-  EXPECT_EQ(kova::kit::waitForChild(first), 0);
-  EXPECT_EQ(kova::kit::waitForChild(second), 0);
+  KovaPipe requests(kova::kit::scratchName());
+  KovaPipe replies[] = {KovaPipe(kova::kit::scratchName()), KovaPipe(kova::kit::scratchName())};
+  ASSERT_EQ(requests.CreatePipe(), 0);
+  kova::os::Process children[2];
+  for (int place : {0, 1}) {
+    ASSERT_EQ(replies[place].CreatePipe(), 0);
+    children[place] = kova::kit::startChild(
+        "asks_while_another_is_served", {requests.GetPipeName(), replies[place].GetPipeName(), std::to_string(place)});
+    ASSERT_TRUE(static_cast<bool>(children[place]));
+  }
+  const int first = serveWhoeverComes(requests, replies, 2);
+  const int second = serveWhoeverComes(requests, replies, 2);
+  EXPECT_TRUE((first == 0 && second == 1) || (first == 1 && second == 0)) << first << " and " << second;
+  EXPECT_EQ(kova::kit::waitForChild(children[0]), 0);
+  EXPECT_EQ(kova::kit::waitForChild(children[1]), 0);
 }
 
 }  // namespace
