@@ -96,8 +96,8 @@ int runPeer(const std::string& prefix, RawServer serveRaw, Answer answer) {
   KovaPipe replies(prefix + "xdapiresult");
   if (requests.CreatePipe() != 0) return 1;
   RawPair raw;
-  os::OpenPipe((prefix + "rawrequests").c_str(), os::PipeAccess::ReadWrite, &raw.in);
-  os::OpenPipe((prefix + "rawreplies").c_str(), os::PipeAccess::ReadWrite, &raw.out);
+  os::OpenPipe((prefix + "rawrequests").c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &raw.in);
+  os::OpenPipe((prefix + "rawreplies").c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &raw.out);
   std::thread rawThread([&] { serveRaw(raw); });
   requests.ConnectPipe();
   for (;;) {

@@ -20,6 +20,12 @@ CaseStore::CaseStore(const std::vector<int>& widths) {
   }
 }
 
+std::uint64_t CaseStore::caseBytesOf(const std::vector<int>& widths) {
+  std::uint64_t units = 0;
+  for (const int width : widths) units += unitsOf(width);
+  return units * kUnitBytes;
+}
+
 void CaseStore::appendCase() { units_.insert(units_.end(), emptyCase_.begin(), emptyCase_.end()); }
 
 void CaseStore::setNumber(std::size_t position, std::size_t variable, double value) {

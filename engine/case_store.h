@@ -30,6 +30,12 @@ class CaseStore {
   std::size_t caseCount() const { return caseUnits_ == 0 ? 0 : units_.size() / caseUnits_; }
   std::size_t caseBytes() const { return caseUnits_ * kUnitBytes; }
 
+  // What caseBytes() is for variables of these widths.
+  static std::uint64_t caseBytesOf(const std::vector<int>& widths);
+
+  // Takes the memory for that many cases at once.
+  void reserve(std::size_t cases) { units_.reserve(cases * caseUnits_); }
+
   // The first unit of a variable within a case.
   std::size_t firstUnit(std::size_t variable) const { return slots_[variable].first; }
 

@@ -18,7 +18,18 @@ TEST(CaseStore, GivesEachWidthItsUnits) {
   };
   for (const Row row : {Row{0, 1}, Row{1, 1}, Row{8, 1}, Row{9, 2}, Row{16, 2}, Row{17, 3}, Row{32767, 4096}}) {
     EXPECT_EQ(CaseStore({row.width}).caseBytes(), row.units * 8) << "width " << row.width;
+    EXPECT_EQ(CaseStore::caseBytesOf({row.width, 0}), row.units * 8 + 8) << "width " << row.width;
   }
+}
+
+TEST(CaseStore, StaysWhereItIsWithinWhatWasReserved) {
+  CaseStore cases({0, 9});
+  cases.reserve(1000);
+  EXPECT_EQ(cases.caseCount(), 0U);
+  cases.appendCase();
+  const void* const start = cases.data();
+  for (int i = 1; i < 1000; ++i) cases.appendCase();
+  EXPECT_EQ(cases.data(), start);
 }
 
 TEST(CaseStore, ANewCaseIsMissingAndBlank) {

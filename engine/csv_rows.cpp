@@ -75,8 +75,10 @@ class CsvWalk {
       lastTerminator_ = 0;
       return;
     }
+    if (count_ == 0 && columns_ == 1) addValue("", 0);
     if (count_ > 0) {
       values_.resize(count_);
+      if (columns_ == 0) columns_ = count_;
       visit_({row_, values_});
     }
     count_ = 0;
@@ -93,6 +95,7 @@ class CsvWalk {
   std::vector<std::string> values_;  // The first count_ of them are this row's; the others keep their memory.
   std::size_t count_ = 0;
   std::size_t row_ = 1;
+  std::size_t columns_ = 0;  // Of the first row; 0 before it.
   int lastTerminator_ = 0;
   std::exception_ptr failure_;
 };

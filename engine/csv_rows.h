@@ -17,8 +17,9 @@ struct CsvRow {
   const std::vector<std::string>& values;
 };
 
-// Calls `visit` with each row that is not blank. Blanks around a value belong to it. Throws DataProblem with `file`,
-// row and column when quotes are not as they should be; what `visit` throws ends the walk and is passed on.
+// Calls `visit` with each row. Blank lines are passed over, but in a table whose first row has one value a blank line
+// is a row of one empty value. Blanks around a value belong to it. Throws DataProblem with `file`, row and column when
+// quotes are not as they should be; what `visit` throws ends the walk and is passed on.
 void forEachCsvRow(const std::string& file, std::string_view text, char delimiter,
                    const std::function<void(const CsvRow&)>& visit);
 

@@ -33,8 +33,11 @@ TEST(CsvRows, ReadsRows) {
       {"blanks belong to the value", " a , b\n", {{1, {" a ", " b"}}}},
       {"quotes", "\"a,\"\"b\"\"\",c\n", {{1, {"a,\"b\"", "c"}}}},
       {"a line break in quotes begins no row", "\"a\r\nb\"\nc\n", {{1, {"a\r\nb"}}, {2, {"c"}}}},
-      {"blank lines count", "a\n\n\nb\n", {{1, {"a"}}, {4, {"b"}}}},
-      {"blank lines with both line ends count", "a\r\n\r\nb\r\n", {{1, {"a"}}, {3, {"b"}}}},
+      {"blank lines count", "a,b\n\n\nc,d\n", {{1, {"a", "b"}}, {4, {"c", "d"}}}},
+      {"blank lines with both line ends count", "a,b\r\n\r\nc,d\r\n", {{1, {"a", "b"}}, {3, {"c", "d"}}}},
+      {"a blank line is a value of a single column", "\na\n\nb\n\n", {{2, {"a"}}, {3, {""}}, {4, {"b"}}, {5, {""}}}},
+      {"the same with both line ends", "a\r\n\r\nb\r\n", {{1, {"a"}}, {2, {""}}, {3, {"b"}}}},
+      {"the same with carriage returns", "a\r\rb\r", {{1, {"a"}}, {2, {""}}, {3, {"b"}}}},
       {"a quoted nothing is no blank line", "a\n\"\"\n", {{1, {"a"}}, {2, {""}}}},
   };
   for (const Case& row : cases) EXPECT_EQ(rowsOf(row.text), row.rows) << row.label;

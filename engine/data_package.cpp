@@ -1,6 +1,7 @@
 #include "engine/data_package.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <exception>
 #include <string_view>
 #include <utility>
@@ -9,11 +10,13 @@
 #include "engine/data_problem.h"
 #include "engine/resource.h"
 #include "engine/text_file.h"
+#include "platform/os/file.h"
 
 namespace kova::engine {
 namespace {
 
 constexpr std::string_view kDescriptorName = "datapackage.json";
+constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;  // Of all cases.
 
 // The table of a resource. Two walks over it: the first checks every row's shape and finds the widths of the strings
 // that have none, the second stores the values.
@@ -22,12 +25,11 @@ class TableReader {
   explicit TableReader(Resource resource) : resource_(std::move(resource)), text_(readTextFile(resource_.tablePath)) {}
 
   DataSet read() {
-    checkUtf8();
     walk([this](const CsvRow& row) { measureRow(row); });
     if (!hasHeading_) fail(1, 0, quotedText(resource_.fields[0].variable.name) + " as heading", "nothing");
     DataSet dataSet;
     dataSet.name = resource_.name;
-    dataSet.cases = CaseStore(takeWidths());
+    dataSet.cases = makeStore();
     walk([&](const CsvRow& row) { storeRow(row, &dataSet.cases); });
     for (Field& field : resource_.fields) dataSet.variables.push_back(std::move(field.variable));
     return dataSet;
@@ -46,18 +48,10 @@ class TableReader {
     });
   }
 
-  void checkUtf8() const {
-    const std::size_t offset = findInvalidUtf8(text_);
-    if (offset == std::string::npos) return;
-    const auto [row, column] = positionOf(text_, offset);
-    const std::string_view line = std::string_view(text_).substr(offset - (column - 1), column - 1);
-    const auto field = static_cast<std::size_t>(std::count(line.begin(), line.end(), resource_.delimiter)) + 1;
-    throw DataProblem(problemLine({resource_.tablePath, row, field, ""}, "text in UTF-8", "a byte that is not"));
-  }
-
   void checkHeading(const CsvRow& row) {
     hasHeading_ = true;
     checkCount(row);
+    checkUtf8(row);
     for (std::size_t i = 0; i < row.values.size(); ++i) {
       const std::string& name = resource_.fields[i].variable.name;
       if (row.values[i] != name) fail(row.row, i, "the heading " + quotedText(name), quotedText(row.values[i]));
@@ -72,8 +66,16 @@ class TableReader {
     throw DataProblem(problemLine(place, std::to_string(expected) + " values", std::to_string(count)));
   }
 
+  void checkUtf8(const CsvRow& row) const {
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      if (findInvalidUtf8(row.values[i]) != std::string::npos) fail(row.row, i, "text in UTF-8", "a byte that is not");
+    }
+  }
+
   void measureRow(const CsvRow& row) {
+    ++caseCount_;
     checkCount(row);
+    checkUtf8(row);
     for (std::size_t i = 0; i < row.values.size(); ++i) {
       Field& field = resource_.fields[i];
       if (!field.isText() || field.meansNoValue(row.values[i])) continue;
@@ -99,6 +101,19 @@ class TableReader {
       widths.push_back(variable.width);
     }
     return widths;
+  }
+
+  // A few bytes of a table can ask for any number of bytes here: its fields say how wide their strings are.
+  CaseStore makeStore() {
+    const std::vector<int> widths = takeWidths();
+    const std::uint64_t caseBytes = CaseStore::caseBytesOf(widths);
+    if (caseBytes > kMostBytes / std::max<std::uint64_t>(caseCount_, 1)) {
+      throw DataProblem(problemLine({resource_.tablePath}, "cases that need at most 4 GiB of memory",
+                                    std::to_string(caseCount_) + " cases of " + std::to_string(caseBytes) + " bytes"));
+    }
+    CaseStore cases(widths);
+    cases.reserve(caseCount_);
+    return cases;
   }
 
   static void widen(const std::string& text, Variable* variable) {
@@ -131,17 +146,14 @@ class TableReader {
   Resource resource_;
   std::string text_;
   bool hasHeading_ = false;
+  std::size_t caseCount_ = 0;
 };
 
-bool isFolderOfDescriptor(const std::string& path) {
-  constexpr std::string_view kEnding = ".json";
-  return path.size() < kEnding.size() || path.compare(path.size() - kEnding.size(), kEnding.size(), kEnding) != 0;
-}
-
+// A folder's name may end as a descriptor's does.
 std::string descriptorOf(const std::string& path) {
-  if (!isFolderOfDescriptor(path)) return path;
   const bool hasSeparator = !path.empty() && (path.back() == '/' || path.back() == '\\');
-  return path + (hasSeparator || path.empty() ? "" : "/") + std::string(kDescriptorName);
+  const std::string inside = path + (hasSeparator || path.empty() ? "" : "/") + std::string(kDescriptorName);
+  return path.ends_with(".json") && !os::FileExists(inside) ? path : inside;
 }
 
 }  // namespace

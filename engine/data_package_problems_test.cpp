@@ -64,10 +64,14 @@ TEST(DescriptorProblems, OfJson) {
       {"another encoding", "{\"t\":\n\"caf^\xE9\"}", ": expected text in UTF-8, found a byte that is not"},
       {"no object", "^[]", ": expected an object, found a list"},
       {"a number", " ^17", ": expected an object, found 17"},
+      {"a number beyond a double", "{\"a\": [\"1e999\", -1.5e3, 1e-400,\n ^-1e999, 2e999}",
+       ": expected numbers within the range of a double, found a larger one"},
+      {"a key twice", "{\"a\": {\"b\": [\"b\", {\"a\": 1}]},\n \"b\": \"a\", ^\"a\" : 2}",
+       ": expected keys that differ within an object, found \"a\" again"},
+      {"a key twice in other characters", "[{\"ab\\\"\": 1}, {\"ab\": 1, ^\"\\u0061b\": 2}]",
+       ": expected keys that differ within an object, found \"ab\" again"},
   };
   for (const MarkedRow& row : rows) expectProblem(row, row.text);
-  EXPECT_EQ(problemOf("{\"a\": 1e999}", ""),
-            "datapackage.json: expected numbers within the range of a double, found a larger one");
 }
 
 TEST(DescriptorProblems, OfResources) {
@@ -89,6 +93,8 @@ TEST(DescriptorProblems, OfResources) {
        " (resources/0/dialect/commentChar): expected no dialect but delimiter, found \"#\""},
       {"a delimiter of two", withResource(R"("path": "t.csv", "dialect": {"delimiter": ^"||"})"),
        " (resources/0/dialect/delimiter): expected one character of one byte, found \"||\""},
+      {"a delimiter of nothing", withResource(R"("path": "t.csv", "dialect": {"delimiter": ^"\u0000"})"),
+       " (resources/0/dialect/delimiter): expected one character of one byte, found \"?\""},
       {"no schema", R"({"resources": [^{"path": "t.csv"}]})",
        " (resources/0/schema): expected an object, found nothing"},
       {"a schema elsewhere", withResource(R"("path": "t.csv", "schema": ^"s.json")"),
@@ -145,6 +151,23 @@ TEST(DescriptorProblems, OfFields) {
        "\"input\""},
       {"a category of the other type", R"({"name": "a", "type": "integer", "categories": [1, ^"x"]})",
        " (resources/0/schema/fields/0/categories/1): expected a whole number, found \"x\""},
+      {"a category that is no whole number", R"({"name": "a", "type": "integer", "categories": [^1.5]})",
+       " (resources/0/schema/fields/0/categories/0): expected a whole number, found 1.5"},
+      {"a category that is neither true nor false", R"({"name": "a", "type": "boolean", "categories": [1, ^7]})",
+       " (resources/0/schema/fields/0/categories/1): expected true or false, as true or false, found 7"},
+      {"a category that is no day", R"({"name": "a", "type": "date", "categories": [{"value": ^5}]})",
+       " (resources/0/schema/fields/0/categories/0/value): expected a day, as 2024-12-31, found 5"},
+      {"a second label of a number",
+       R"({"name": "a", "type": "integer",
+           "categories": [{"value": 1, "label": "one"}, {"value": "1", "label": ^"uno"}]})",
+       " (resources/0/schema/fields/0/categories/1/label): expected \"one\" as the only label of this value, found "
+       "\"uno\""},
+      {"a second label of a text", R"({"name": "a", "categories": [{"value": "x", "label": "one"}, ^"x"]})",
+       " (resources/0/schema/fields/0/categories/1): expected \"one\" as the only label of this value, found \"x\""},
+      {"a second label of a missing value",
+       R"({"name": "a", "type": "integer", "missingValues": [{"value": "9", "label": "x"}, {"value": "9", "label": ^"y"}]})",
+       " (resources/0/schema/fields/0/missingValues/1/label): expected \"x\" as the only label of this value, found "
+       "\"y\""},
       {"a category without value", R"({"name": "a", "type": "integer", "categories": [^{"label": "x"}]})",
        " (resources/0/schema/fields/0/categories/0/value): expected a value, found nothing"},
       {"a category that is too long", R"({"name": "a", "x-kova": {"width": 2}, "categories": [^"abc"]})",
@@ -155,6 +178,12 @@ TEST(DescriptorProblems, OfFields) {
        " (resources/0/schema/fields/0/missingValues/0): expected a text, found 9"},
       {"four missing values", R"({"name": "a", "type": "integer", "missingValues": ["6", "7", "", "8", ^"9"]})",
        " (resources/0/schema/fields/0/missingValues/4): expected at most three user-missing values, found \"9\""},
+      {"a word for both", R"({"name": "a", "type": "boolean", "trueValues": ["y", "n"], "falseValues": ["N", ^"n"]})",
+       " (resources/0/schema/fields/0/falseValues/1): expected a text that is not both true and false, found \"n\""},
+      {"a word for true that is one for false", R"({"name": "a", "type": "boolean", "trueValues": [^"0"]})",
+       " (resources/0/schema/fields/0/trueValues/0): expected a text that is not both true and false, found \"0\""},
+      {"a key of several lines", R"({"name": "a", "x-kova": {"\n\u001b[2J": ^1}})",
+       " (resources/0/schema/fields/0/x-kova/??[2J): expected no keys but measure, format, width, role, found 1"},
       {"no words for true", R"({"name": "a", "type": "boolean", "trueValues": ^[]})",
        " (resources/0/schema/fields/0/trueValues): expected at least one text, found a list"},
   };
@@ -204,9 +233,29 @@ TEST(TableProblems, HaveTheirRowAndColumn) {
       {"an open quote", "id,when,s,b\n1,,\"x,true\n",
        "t.csv, row 2, column 3: expected quotes around the whole value, and quotes inside it doubled"},
       {"another encoding", "id,when,s,b\n1,,\xE9,true\n",
-       "t.csv, row 2, column 3: expected text in UTF-8, found a byte that is not"},
+       "t.csv, row 2, column 3 (s): expected text in UTF-8, found a byte that is not"},
+      {"another encoding behind quotes", "id,when,s,b\n1,,\"a\nb\",true\n\"1\",,\"\xE9,\",true\n",
+       "t.csv, row 3, column 3 (s): expected text in UTF-8, found a byte that is not"},
+      {"another encoding and carriage returns", "id,when,s,b\r1,,x,true\r\xE9,,,true\r",
+       "t.csv, row 3, column 1 (id): expected text in UTF-8, found a byte that is not"},
+      {"another encoding in the heading", "id,when,\xE9,b\n",
+       "t.csv, row 1, column 3 (s): expected text in UTF-8, found a byte that is not"},
   };
   for (const Row& row : rows) EXPECT_EQ(problemOf(descriptor, row.text), row.problem) << row.label;
+}
+
+TEST(TableProblems, CasesThatNoMemoryHoldsAreRefused) {
+  std::string fields;
+  std::string heading;
+  for (int i = 0; i < 200; ++i) {
+    const std::string name = "v" + std::to_string(i);
+    fields += (i == 0 ? R"({"name": ")" : R"(, {"name": ")") + name + R"(", "x-kova": {"width": 32767}})";
+    heading += (i == 0 ? "" : ",") + name;
+  }
+  std::string table = heading + "\n";
+  for (int i = 0; i < 656; ++i) table += std::string(199, ',') + "\n";
+  EXPECT_EQ(problemOf(withFields(fields), table),
+            "t.csv: expected cases that need at most 4 GiB of memory, found 656 cases of 6553600 bytes");
 }
 
 TEST(TableProblems, AMissingTableIsNamed) {

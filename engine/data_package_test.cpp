@@ -173,6 +173,39 @@ TEST(DataPackage, MissingValuesOfTheTableServeFieldsWithoutTheirOwn) {
   EXPECT_EQ(cases.number(1, 2), kSystemMissing);
 }
 
+TEST(DataPackage, AMissingNumberMayBeWrittenInSeveralWays) {
+  const Variable variable =
+      readTable(R"({"name": "n", "type": "number", "missingValues": ["99", "099", "+99.0", "98", "97"]})", "n\n")
+          .variables.at(0);
+  EXPECT_EQ(variable.missing.kind, 3);
+  EXPECT_THAT(variable.missing.numbers, testing::ElementsAre(99.0, 98.0, 97.0));
+}
+
+TEST(DataPackage, AValueMayHaveTheSameLabelTwice) {
+  const Variable variable = readTable(R"({"name": "n", "type": "integer", "categories": [{"value": 9, "label": "x"}],
+                                          "missingValues": ["9", {"value": "9", "label": "x"}]})",
+                                      "n\n")
+                                .variables.at(0);
+  EXPECT_EQ(variable.missing.kind, 1);
+  EXPECT_EQ(variable.numberLabels.size(), 1U);
+}
+
+TEST(DataPackage, ABlankLineIsACaseOfASingleVariable) {
+  const DataSet dataSet = readTable(R"({"name": "n", "type": "integer"})", "n\n1\n\n3\n");
+  ASSERT_EQ(dataSet.cases.caseCount(), 3U);
+  EXPECT_EQ(dataSet.cases.number(1, 0), kSystemMissing);
+  EXPECT_EQ(dataSet.cases.number(2, 0), 3.0);
+}
+
+TEST(DataPackage, ItsFoldersNameMayEndAsADescriptors) {
+  const ScratchFolder folder;
+  std::filesystem::create_directory(folder.path("d.json"));
+  folder.write("d.json/datapackage.json",
+               R"({"resources": [{"name": "t", "path": "t.csv", "schema": {"fields": [{"name": "a"}]}}]})");
+  folder.write("d.json/t.csv", "a\nx\n");
+  EXPECT_EQ(read(folder.path("d.json")).cases.caseCount(), 1U);
+}
+
 TEST(DataPackage, ATextTooLongToBeAMissingValueMeansNoValue) {
   const DataSet dataSet = readTable(R"({"name": "s", "missingValues": ["not applicable"]})", "s\nnot applicable\nab\n");
   EXPECT_EQ(dataSet.variables.at(0).missing.kind, 0);

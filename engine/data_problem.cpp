@@ -12,6 +12,16 @@ std::string_view cut(std::string_view text) {
   return text.substr(0, length);
 }
 
+// Names, keys and paths of a file may hold line breaks and what a terminal obeys.
+std::string withoutControls(std::string_view text) {
+  std::string result(text);
+  for (char& character : result) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x20 || byte == 0x7F) character = '?';
+  }
+  return result;
+}
+
 }  // namespace
 
 std::string problemLine(const Place& place, std::string_view expected, std::string_view found) {
@@ -21,18 +31,13 @@ std::string problemLine(const Place& place, std::string_view expected, std::stri
   line += ": expected ";
   line += expected;
   if (!found.empty()) (line += ", found ") += found;
-  return line;
+  return withoutControls(line);
 }
 
 std::string quotedText(std::string_view text) {
   if (text.empty()) return "nothing";
   const bool isLong = text.size() > kLongestQuote;
-  std::string result = "\"";
-  for (const char character : isLong ? cut(text) : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    result += byte < 0x20 || byte == 0x7F ? '?' : character;
-  }
-  return result + (isLong ? "...\"" : "\"");
+  return '"' + withoutControls(isLong ? cut(text) : text) + (isLong ? "...\"" : "\"");
 }
 
 }  // namespace kova::engine

@@ -25,7 +25,8 @@ struct Place {
   std::string part{};
 };
 
-// "<file>, row <r>, column <c> (<part>): expected <expected>, found <found>"; without "found" when that is empty.
+// "<file>, row <r>, column <c> (<part>): expected <expected>, found <found>"; without "found" when that is empty. One
+// line: control characters become '?'.
 std::string problemLine(const Place& place, std::string_view expected, std::string_view found);
 
 // The text in quotes on one line: control characters become '?', what exceeds 40 bytes is cut and replaced by "...".

@@ -20,13 +20,29 @@ std::string_view withoutPlus(std::string_view text) {
   return hasPlus ? text.substr(1) : text;
 }
 
+// Tells of a number that no double can hold whether it is too close to 0 or too far from it.
+bool isTooSmall(std::string_view text) {
+  const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
+  const std::string_view tail = withoutPlus(text.substr(std::min(mark + 1, text.size())));
+  std::int32_t exponent = 0;
+  if (std::from_chars(tail.data(), tail.data() + tail.size(), exponent).ec == std::errc::result_out_of_range) {
+    return tail.starts_with('-');
+  }
+  const auto point = static_cast<std::int64_t>(std::min(text.find('.'), mark));
+  const auto firstDigit = static_cast<std::int64_t>(text.find_first_of("123456789"));
+  return point - firstDigit + exponent < 0;
+}
+
 std::optional<double> amountOf(std::string_view text) {
   if (text == "NaN") return kSystemMissing;
   text = withoutPlus(text);
   double value = 0;
   const char* end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+  if (stop != end) return std::nullopt;
+  if (error == std::errc::result_out_of_range && isTooSmall(text)) return 0;
+  // The number that stands for no value is none itself.
+  if (error != std::errc() || !std::isfinite(value) || value == kSystemMissing) return std::nullopt;
   return value;
 }
 

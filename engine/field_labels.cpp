@@ -1,19 +1,28 @@
 #include "engine/field_labels.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <utility>
 
 #include "engine/case_store.h"
+#include "engine/data_problem.h"
 
 namespace kova::engine {
 namespace {
 
-// Adds a label unless the value has one.
+// Adds the label that an entry gives to a value. The same one may be given twice, but no other one.
 template <typename Value>
-void addLabel(std::vector<ValueLabel<Value>>* labels, const Value& value, const std::string& label) {
+void addLabel(const JsonNode& entry, const Value& value, const std::string& label,
+              std::vector<ValueLabel<Value>>* labels) {
   const auto same = [&](const ValueLabel<Value>& other) { return other.value == value; };
-  if (std::find_if(labels->begin(), labels->end(), same) == labels->end()) labels->push_back({value, label});
+  const auto found = std::find_if(labels->begin(), labels->end(), same);
+  if (found == labels->end()) {
+    labels->push_back({value, label});
+  } else if (found->label != label) {
+    const JsonNode place = entry.value().is_object() ? entry["label"] : entry;
+    place.fail(quotedText(found->label) + " as the only label of this value");
+  }
 }
 
 // The value and the label of an entry that is either the value itself or an object.
@@ -27,39 +36,30 @@ std::string plainText(const JsonNode& node) {
   return node.value().is_string() ? node.value().get<std::string>() : node.value().dump();
 }
 
-void addTextCategory(const JsonNode& value, const std::string& label, Field* field) {
+void addTextCategory(const JsonNode& entry, const JsonNode& value, const std::string& label, Field* field) {
   const std::string text = value.text();
   const auto size = static_cast<int>(std::min<std::size_t>(text.size(), kWidestString + 1));
   const int widest = field->widthFromData ? kWidestString : field->variable.width;
   if (size > widest) value.fail("at most " + std::to_string(widest) + " bytes");
-  addLabel(&field->variable.textLabels, text, label.empty() ? text : label);
+  addLabel(entry, text, label.empty() ? text : label, &field->variable.textLabels);
 }
 
-void addNumberCategory(const JsonNode& value, const std::string& label, Field* field) {
-  std::optional<double> number;
-  if (!value.exists()) {
-    value.fail("a value");
-  } else if (value.value().is_number()) {
-    number = value.value().get<double>();
-  } else {
-    number = numberOf(*field, plainText(value));
-  }
+// A JSON number is taken as its text would be in the table: not every number is a value of every type.
+void addNumberCategory(const JsonNode& entry, const JsonNode& value, const std::string& label, Field* field) {
+  if (!value.exists()) value.fail("a value");
+  const auto number = numberOf(*field, plainText(value));
   if (!number) value.fail(expectationOf(*field));
-  addLabel(&field->variable.numberLabels, *number, label.empty() ? plainText(value) : label);
+  addLabel(entry, *number, label.empty() ? plainText(value) : label, &field->variable.numberLabels);
 }
 
-void addMissingText(const std::string& text, const std::string& label, Field* field) {
-  MissingValues& missing = field->variable.missing;
-  missing.texts.at(static_cast<std::size_t>(missing.kind)) = text;
-  ++missing.kind;
-  if (!label.empty()) addLabel(&field->variable.textLabels, text, label);
-}
-
-void addMissingNumber(double number, const std::string& label, Field* field) {
-  MissingValues& missing = field->variable.missing;
-  missing.numbers.at(static_cast<std::size_t>(missing.kind)) = number;
-  ++missing.kind;
-  if (!label.empty()) addLabel(&field->variable.numberLabels, number, label);
+// Adds a user-missing value unless it is there, in these words or in others.
+template <typename Value>
+void addMissingValue(const JsonNode& entry, const Value& value, int* kind, std::array<Value, kMostMissing>* values) {
+  const auto next = values->begin() + *kind;
+  if (std::find(values->begin(), next, value) != next) return;
+  if (*kind == kMostMissing) entry.fail("at most three user-missing values");
+  *next = value;
+  ++*kind;
 }
 
 bool canBeMissingText(const std::string& text, const Field& field) {
@@ -74,11 +74,13 @@ void addMissing(const JsonNode& entry, const std::string& text, const std::strin
     field->noValue.push_back(text);
     return;
   }
-  if (field->variable.missing.kind == kMostMissing) entry.fail("at most three user-missing values");
+  Variable& variable = field->variable;
   if (field->isText()) {
-    addMissingText(text, label, field);
+    addMissingValue(entry, text, &variable.missing.kind, &variable.missing.texts);
+    if (!label.empty()) addLabel(entry, text, label, &variable.textLabels);
   } else {
-    addMissingNumber(*number, label, field);
+    addMissingValue(entry, *number, &variable.missing.kind, &variable.missing.numbers);
+    if (!label.empty()) addLabel(entry, *number, label, &variable.numberLabels);
   }
 }
 
@@ -89,9 +91,9 @@ void readCategories(const JsonNode& node, Field* field) {
   for (const JsonNode& entry : node.elements()) {
     const auto [value, label] = valueAndLabel(entry);
     if (field->isText()) {
-      addTextCategory(value, label, field);
+      addTextCategory(entry, value, label, field);
     } else {
-      addNumberCategory(value, label, field);
+      addNumberCategory(entry, value, label, field);
     }
   }
 }
@@ -101,13 +103,9 @@ void readMissingValues(const JsonNode& node, Field* field) {
     field->noValue = {""};
     return;
   }
-  std::vector<std::string> seen;
   for (const JsonNode& entry : node.elements()) {
     const auto [value, label] = valueAndLabel(entry);
-    const std::string text = value.text();
-    if (std::find(seen.begin(), seen.end(), text) != seen.end()) continue;
-    seen.push_back(text);
-    addMissing(entry, text, label, field);
+    addMissing(entry, value.text(), label, field);
   }
 }
 

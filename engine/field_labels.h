@@ -7,13 +7,13 @@
 
 namespace kova::engine {
 
-// A list of values, or of objects with "value" and "label". A value without a label is labelled with its own text. Does
-// nothing when the node does not exist. Throws DataProblem.
+// A list of values, or of objects with "value" and "label". A value without a label is labelled with its own text, and
+// none may have two different labels. Does nothing when the node does not exist. Throws DataProblem.
 void readCategories(const JsonNode& node, Field* field);
 
 // A list of texts, or of objects with "value" and "label"; when the node does not exist, the empty text alone. A text
-// that can be a user-missing value (a number, or a text of at most 8 bytes) becomes one, with its label as value label;
-// every other one stands for no value. Throws DataProblem.
+// that can be a user-missing value (a number, or a text of at most 8 bytes) becomes one, with its label as value label,
+// once for one value; every other one stands for no value. Throws DataProblem.
 void readMissingValues(const JsonNode& node, Field* field);
 
 }  // namespace kova::engine

@@ -36,6 +36,14 @@ TEST(Field, ReadsNumbers) {
       {FieldType::kNumber, "+", std::nullopt},
       {FieldType::kNumber, "INF", std::nullopt},
       {FieldType::kNumber, "1e999", std::nullopt},
+      {FieldType::kNumber, "-1e99999999999999999999", std::nullopt},
+      {FieldType::kNumber, "1e-400", 0.0},
+      {FieldType::kNumber, "-12.5E-400", 0.0},
+      {FieldType::kNumber, "1e-99999999999999999999", 0.0},
+      {FieldType::kNumber, "1e-320", 1e-320},
+      {FieldType::kNumber, "1e-400x", std::nullopt},
+      {FieldType::kNumber, "-1.7976931348623157e308", std::nullopt},
+      {FieldType::kNumber, "-1.7976931348623155e308", -1.7976931348623155e308},
       {FieldType::kNumber, "0x10", std::nullopt},
       {FieldType::kInteger, "181", 181.0},
       {FieldType::kInteger, "-7", -7.0},
@@ -50,6 +58,16 @@ TEST(Field, ReadsNumbers) {
       {FieldType::kBoolean, "True", std::nullopt},
   };
   for (const Row& row : rows) EXPECT_EQ(numberOf(fieldOf(row.type), row.text), row.value) << row.text;
+}
+
+TEST(Field, TellsTinyNumbersFromHugeOnesByAllTheirDigits) {
+  const Field number = fieldOf(FieldType::kNumber);
+  const std::string zeros(400, '0');
+  EXPECT_EQ(numberOf(number, "0." + zeros + "1"), 0.0);
+  EXPECT_EQ(numberOf(number, "0." + zeros + "1e+10"), 0.0);
+  EXPECT_EQ(numberOf(number, "1" + zeros + "e-800"), 0.0);
+  EXPECT_EQ(numberOf(number, "1" + zeros), std::nullopt);
+  EXPECT_EQ(numberOf(number, "1" + zeros + "e-10"), std::nullopt);
 }
 
 TEST(Field, ReadsDaysAndTimesAsSeconds) {

@@ -1,5 +1,7 @@
 #include "engine/json_source.h"
 
+#include <optional>
+#include <set>
 #include <utility>
 
 #include "engine/data_problem.h"
@@ -9,7 +11,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
 
-// Finds places in a text that is known to be JSON.
+// Finds places in a text that is known to be JSON, as far as it is looked at.
 class JsonScanner {
  public:
   explicit JsonScanner(std::string_view text) : text_(text) { skipBlanks(); }
@@ -34,6 +36,44 @@ class JsonScanner {
     return false;
   }
 
+  // Goes to the first key that its object has had before, and gives it; nothing when there is none.
+  std::optional<std::string> enterSecondKey() {
+    std::vector<std::set<std::string>> keys;  // Of each object that is open here.
+    while (position_ < text_.size()) {
+      const std::size_t start = position_;
+      if (text_[start] == '"') {
+        const std::string text = takeString();
+        skipBlanks();
+        const bool isKey = position_ < text_.size() && text_[position_] == ':';
+        if (!isKey || keys.back().insert(text).second) continue;
+        position_ = start;
+        return text;
+      }
+      if (text_[start] == '{') keys.emplace_back();
+      if (text_[start] == '}') keys.pop_back();
+      ++position_;
+    }
+    return std::nullopt;
+  }
+
+  // Goes to the first number beyond the range of a double, or to the end. What comes behind that number need not be
+  // JSON.
+  void enterHugeNumber() {
+    while (position_ < text_.size()) {
+      if (text_[position_] == '"') {
+        skipString();
+      } else if (text_[position_] == '-' || (text_[position_] >= '0' && text_[position_] <= '9')) {
+        const std::size_t start = position_;
+        skipPlain();
+        if (nlohmann::json::accept(text_.substr(start, position_ - start))) continue;
+        position_ = start;
+        return;
+      } else {
+        ++position_;
+      }
+    }
+  }
+
  private:
   void skipBlanks() { position_ = std::min(text_.find_first_not_of(kBlanks, position_), text_.size()); }
 
@@ -44,11 +84,15 @@ class JsonScanner {
   }
 
   std::string takeKey() {
-    const std::size_t start = position_;
-    skipString();
-    auto key = nlohmann::json::parse(text_.substr(start, position_ - start)).get<std::string>();
+    std::string key = takeString();
     skipSeparator(':');
     return key;
+  }
+
+  std::string takeString() {
+    const std::size_t start = position_;
+    skipString();
+    return nlohmann::json::parse(text_.substr(start, position_ - start)).get<std::string>();
   }
 
   void skipString() {
@@ -57,6 +101,9 @@ class JsonScanner {
     }
     ++position_;
   }
+
+  // A number or a word.
+  void skipPlain() { position_ = std::min(text_.find_first_of(",:{}[]\" \t\r\n", position_), text_.size()); }
 
   void skipValue() {
     int depth = 0;
@@ -73,7 +120,7 @@ class JsonScanner {
       } else if (depth > 0 && (character == ',' || character == ':')) {
         ++position_;
       } else {
-        position_ = std::min(text_.find_first_of(",:{}[]\" \t\r\n", position_), text_.size());
+        skipPlain();
       }
       if (depth > 0) skipBlanks();
     } while (depth > 0);
@@ -94,6 +141,16 @@ std::string reasonOf(const nlohmann::json::parse_error& error) {
   return std::string(what.starts_with(kUnexpected) ? what.substr(kUnexpected.size()) : what);
 }
 
+// Of two members with one key the parser would keep the last in silence.
+void checkKeys(const std::string& path, const std::string& text) {
+  JsonScanner scanner(text);
+  const auto key = scanner.enterSecondKey();
+  if (!key) return;
+  const auto [row, column] = positionOf(text, scanner.position());
+  throw DataProblem(
+      problemLine({path, row, column, ""}, "keys that differ within an object", quotedText(*key) + " again"));
+}
+
 nlohmann::json parse(const std::string& path, const std::string& text) {
   const std::size_t invalid = findInvalidUtf8(text);
   if (invalid != std::string::npos) {
@@ -101,12 +158,17 @@ nlohmann::json parse(const std::string& path, const std::string& text) {
     throw DataProblem(problemLine({path, row, column, ""}, "text in UTF-8", "a byte that is not"));
   }
   try {
-    return nlohmann::json::parse(text);
+    auto root = nlohmann::json::parse(text);
+    checkKeys(path, text);
+    return root;
   } catch (const nlohmann::json::parse_error& error) {
     const auto [row, column] = positionOf(text, error.byte > 0 ? error.byte - 1 : 0);
     throw DataProblem(problemLine({path, row, column, ""}, "JSON", reasonOf(error)));
   } catch (const nlohmann::json::out_of_range&) {
-    throw DataProblem(problemLine({path, 0, 0, ""}, "numbers within the range of a double", "a larger one"));
+    JsonScanner scanner(text);
+    scanner.enterHugeNumber();
+    const auto [row, column] = positionOf(text, scanner.position());
+    throw DataProblem(problemLine({path, row, column, ""}, "numbers within the range of a double", "a larger one"));
   }
 }
 

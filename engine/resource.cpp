@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <utility>
 
 #include "engine/json_source.h"
 #include "engine/table_schema.h"
+#include "platform/os/file.h"
 
 namespace kova::engine {
 namespace {
@@ -39,12 +41,21 @@ bool staysInside(const std::string& path) {
   return true;
 }
 
-std::string readPath(const JsonNode& resource) {
+// The path's own words may stay inside while a link on its way leads out.
+bool leadsInside(const std::string& folder, const std::string& path) {
+  std::error_code ignored;
+  const auto root = std::filesystem::canonical(folder.empty() ? "." : os::NativePath(folder), ignored);
+  const auto target = std::filesystem::weakly_canonical(root / os::NativePath(path), ignored);
+  return !root.empty() && std::mismatch(root.begin(), root.end(), target.begin(), target.end()).first == root.end();
+}
+
+std::string readPath(const JsonNode& resource, const std::string& folder) {
   JsonNode node = resource["path"];
   if (node.exists() && node.value().is_array() && node.value().size() == 1) node = node.elements().front();
   const std::string path = node.text();
   if (!staysInside(path)) node.fail("a path inside the descriptor's folder, relative to it and without \"..\"");
-  return path;
+  if (!leadsInside(folder, path)) node.fail("a path that no link leads out of the descriptor's folder");
+  return folder + path;
 }
 
 void checkKind(const JsonNode& resource) {
@@ -69,7 +80,7 @@ char readDelimiter(const JsonNode& dialect) {
     }
   }
   const std::string delimiter = dialect["delimiter"].text(",");
-  if (delimiter.size() != 1 || std::string_view("\"\r\n").find(delimiter[0]) != std::string_view::npos) {
+  if (delimiter.size() != 1 || std::string_view("\"\r\n\0", 4).find(delimiter[0]) != std::string_view::npos) {
     dialect["delimiter"].fail("one character of one byte");
   }
   return delimiter[0];
@@ -88,7 +99,7 @@ Resource readResource(const std::string& descriptorPath) {
   const JsonNode node = firstResource(JsonNode(source));
   Resource resource;
   resource.name = node["name"].text("data");
-  resource.tablePath = folderOf(descriptorPath) + readPath(node);
+  resource.tablePath = readPath(node, folderOf(descriptorPath));
   checkKind(node);
   resource.delimiter = readDelimiter(node["dialect"]);
   resource.fields = readTableSchema(node["schema"]);

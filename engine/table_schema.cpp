@@ -65,6 +65,15 @@ std::vector<std::string> readTexts(const JsonNode& node, std::vector<std::string
   return texts;
 }
 
+// No word of these may mean the opposite too.
+void checkWords(const JsonNode& node, const std::vector<std::string>& opposite) {
+  if (!node.exists()) return;
+  for (const JsonNode& element : node.elements()) {
+    const bool isBoth = std::find(opposite.begin(), opposite.end(), element.text()) != opposite.end();
+    if (isBoth) element.fail("a text that is not both true and false");
+  }
+}
+
 void checkReadable(const JsonNode& node, const Field& field) {
   for (const auto& [key, value] : kFixedProperties) {
     const JsonNode property = node[key];
@@ -138,6 +147,8 @@ Field readField(const JsonNode& node, const JsonNode& tableMissing) {
   field.variable.measure = measureFrom(node, type);
   field.trueTexts = readTexts(node["trueValues"], {"true", "True", "TRUE", "1"});
   field.falseTexts = readTexts(node["falseValues"], {"false", "False", "FALSE", "0"});
+  checkWords(node["falseValues"], field.trueTexts);
+  checkWords(node["trueValues"], field.falseTexts);
   checkReadable(node, field);
   readOwnKeys(node["x-kova"], &field);
   readCategories(node["categories"], &field);

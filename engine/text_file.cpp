@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 
 #include "engine/data_problem.h"
@@ -60,7 +61,11 @@ std::string readTextFile(const std::string& path) {
   std::array<char, 65536> chunk;
   std::size_t count = 0;
   while ((count = std::fread(chunk.data(), 1, chunk.size(), file.get())) > 0) text.append(chunk.data(), count);
-  if (std::ferror(file.get()) != 0) throw DataProblem(problemLine({path}, "a file that can be read", "a read error"));
+  if (std::ferror(file.get()) != 0) {
+    std::error_code ignored;
+    const bool isFolder = std::filesystem::is_directory(os::NativePath(path), ignored);
+    throw DataProblem(problemLine({path}, "a file that can be read", isFolder ? "a folder" : "a read error"));
+  }
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   return text;
 }

@@ -33,6 +33,16 @@ TEST(TextFile, NamesAFileThatIsNotThere) {
   }
 }
 
+TEST(TextFile, TellsAFolderFromAFile) {
+  const ScratchFolder folder;
+  try {
+    readTextFile(folder.path());
+    FAIL() << "no problem";
+  } catch (const DataProblem& problem) {
+    EXPECT_EQ(std::string(problem.what()).find("a read error"), std::string::npos) << problem.what();
+  }
+}
+
 TEST(TextFile, FindsWhatIsNotUtf8) {
   struct Row {
     const char* label;
@@ -63,6 +73,11 @@ TEST(TextFile, CountsRowsAndColumnsFromOne) {
   EXPECT_EQ(positionOf(text, 4).column, 2U);
   EXPECT_EQ(positionOf(text, 6).row, 3U);
   EXPECT_EQ(positionOf(text, 6).column, 1U);
+}
+
+TEST(DataProblem, IsOneLineWhateverItNames) {
+  EXPECT_EQ(problemLine({"a\nb\x1B[2J.csv", 2, 3, "x\r\x7Fy"}, "one\tword", "\x1Ftwo"),
+            "a?b?[2J.csv, row 2, column 3 (x??y): expected one?word, found ?two");
 }
 
 TEST(DataProblem, QuotesOnOneLine) {

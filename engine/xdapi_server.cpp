@@ -6,15 +6,20 @@
 #include <utility>
 
 #include "engine/error_codes.h"
+#include "platform/os/clock.h"
 #include "platform/os/error.h"
+#include "platform/os/named_pipe.h"
 #include "transport/XPipes.h"
 #include "transport/message_exchange.h"
 
 namespace kova::engine {
 namespace {
 
-// A pipe that can not be connected so often in a row is broken for good.
+// A pipe that can not be connected so often in a row, a pause apart, is broken for good.
 constexpr int kMostFailedConnects = 100;
+
+// Between two tries of what may work once something else has gone: another's turn, a shortage.
+constexpr std::uint32_t kRetryPauseMs = 20;
 
 bool isConnected(int result) { return result == 0 || result == static_cast<int>(os::kPipeConnected); }
 
@@ -47,27 +52,27 @@ int XdapiServer::start() {
 void XdapiServer::stop() {
   if (!thread_.joinable()) return;
   stopping_ = true;
-  requests_.CancelWait();
   {
-    const std::lock_guard lock(replyMutex_);
+    const std::lock_guard lock(pipeMutex_);
+    requests_.CancelWait();
     if (replyOpen_) replies_.CancelWait();
   }
   thread_.join();
-  requests_.ClosePipe();
 }
 
 void XdapiServer::serve() {
   int failures = 0;
   while (!stopping_ && failures < kMostFailedConnects) {
-    if (isConnected(requests_.ConnectPipe())) {
-      failures = 0;
-      converse();
-    } else {
-      ++failures;
-    }
+    const bool connected = isConnected(requests_.ConnectPipe());
+    if (connected) converse();
     closeReplies();
     requests_.DisconnectPipe();
+    failures = connected ? 0 : failures + 1;
+    if (!connected && !stopping_) os::SleepMs(kRetryPauseMs);
   }
+  // A client that comes from now on is told that nobody serves it.
+  const std::lock_guard lock(pipeMutex_);
+  requests_.ClosePipe();
 }
 
 // A request that was cut short could still be parsed, but half a request must never be carried out: the transport's own
@@ -96,18 +101,26 @@ bool XdapiServer::answer(CleXDSmb& reply) {
   return result == 0;
 }
 
-// The client created this pipe before it sent its first request.
+// The client created this pipe before it sent its first request, and waits in it for as long as it takes. So whatever
+// keeps the pipe from being opened is waited out, unless the pipe is gone. The open itself never waits: stop() could
+// not end that.
 bool XdapiServer::openReplies() {
   if (replies_.HasPipe()) return true;
-  if (replies_.KOVACreateFile() != 0 || replies_.ChangeReadMode() != 0) return false;
-  const std::lock_guard lock(replyMutex_);
+  replies_.OpenPipeToUnBlockWrite();
+  while (!replies_.HasPipe()) {
+    if (stopping_ || os::AwaitServer(replies_.GetPipeName().c_str(), 0) == os::kFileNotFound) return false;
+    os::SleepMs(kRetryPauseMs);
+    replies_.OpenPipeToUnBlockWrite();
+  }
+  if (replies_.ChangeReadMode() != 0) return false;
+  const std::lock_guard lock(pipeMutex_);
   replyOpen_ = true;
   return !stopping_;
 }
 
 void XdapiServer::closeReplies() {
   {
-    const std::lock_guard lock(replyMutex_);
+    const std::lock_guard lock(pipeMutex_);
     replyOpen_ = false;
   }
   replies_.ClosePipe();

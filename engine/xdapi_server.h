@@ -2,7 +2,8 @@
 // on a thread of its own and with pipe ends of its own.
 //
 // One conversation follows another: when a client goes, or sends what is no message, the server drops it and waits for
-// the next one. A second client of the same name waits until the first has gone.
+// the next one. A second client of the same name waits until the first has gone. A reply pipe that can not be opened
+// yet is tried again until it is gone; a request pipe that takes nobody in any more is closed.
 //
 // Made and destroyed by the program that offers the engine, on one thread, the only one that may call it. Destruction
 // stops it.
@@ -53,7 +54,7 @@ class XdapiServer {
   KovaPipe requests_;
   KovaPipe replies_;
   std::atomic<bool> stopping_{false};
-  std::mutex replyMutex_;  // Held where replyOpen_ changes, and while a wait on the replies is cancelled.
+  std::mutex pipeMutex_;  // Held where replyOpen_ changes or the requests close, and while waits are cancelled.
   bool replyOpen_ = false;
   std::thread thread_;  // Last: it uses everything above.
 };

@@ -303,6 +303,49 @@ TEST_F(XdapiServerTest, StopsWhileAClientDoesNotReadALargeReply) {
   expectStopsWithinASecond(&server);
 }
 
+// Another visitor has the one place in the reply pipe.
+TEST_F(XdapiServerTest, StopsWhileItWaitsToOpenTheReplyPipe) {
+  const std::string base = scratchBase();
+  std::atomic<bool> asked{false};
+  XdapiServer server(base, [&](const CleXDSmb&, CleXDSmb&) { asked = true; });
+  ASSERT_EQ(server.start(), 0);
+  RawClient client(base);
+  KovaPipe visitor(base + "xdapiresult");
+  ASSERT_EQ(visitor.KOVACreateFile(), 0);
+  CleXDSmb request;
+  request.SetCommandAction(Command::GetVariableCount);
+  client.write(bytesOf(request));
+  while (!asked) os::YieldThread();
+  expectStopsWithinASecond(&server);
+}
+
+TEST_F(XdapiServerTest, AReplyPipeThatIsTakenIsOpenedOnceItIsFree) {
+  const std::string base = scratchBase();
+  std::atomic<bool> asked{false};
+  XdapiServer server(base, [&](const CleXDSmb& question, CleXDSmb& reply) {
+    engine_.perform(question, reply);
+    asked = true;
+  });
+  ASSERT_EQ(server.start(), 0);
+  KovaPipe replies(base + "xdapiresult");
+  ASSERT_EQ(replies.CreatePipe(), 0);
+  KovaPipe visitor(base + "xdapiresult");
+  ASSERT_EQ(visitor.KOVACreateFile(), 0);
+  KovaPipe requests(base + "xdapi");
+  CleXDSmb request;
+  request.SetCommandAction(Command::GetVariableCount);
+  ASSERT_EQ(SendData(&requests, request, false), 0);
+  while (!asked) os::YieldThread();
+  EXPECT_EQ(replies.ConnectPipe(), 535) << "the visitor came first";
+  visitor.ClosePipe();
+  ASSERT_EQ(replies.DisconnectPipe(), 0);
+  const int connected = replies.ConnectPipe();
+  EXPECT_TRUE(connected == 0 || connected == 535) << connected;
+  CleXDSmb reply;
+  EXPECT_EQ(ReceiveData(&replies, reply, true), 0);
+  EXPECT_EQ(reply.FirstLong(), 7);
+}
+
 TEST_F(XdapiServerTest, StopsTwiceAndWithoutAStart) {
   const std::string base = scratchBase();
   XdapiServer server(base, [](const CleXDSmb&, CleXDSmb&) {});

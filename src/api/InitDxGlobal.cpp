@@ -36,11 +36,15 @@ int initialise(const std::string& tempPath, const std::string& pid, const std::s
   SetXManager(hosts.release());
   SetXPipeManager(pipes.release());
   SetDXGlobalInitFin(true);
+  return 0;
+}
+
+void traceStart(const std::string& tempPath, const std::string& pid, const std::string& xName,
+                const std::string& kovaHome) {
   DxTrace("InitDxGlobal>tempPath:" + tempPath);
   DxTrace("InitDxGlobal>pid:" + pid);
   DxTrace("InitDxGlobal>xname:" + xName);
   DxTrace("InitDxGlobal>kovaHome:" + kovaHome);
-  return 0;
 }
 
 }  // namespace
@@ -48,7 +52,10 @@ int initialise(const std::string& tempPath, const std::string& pid, const std::s
 int InitDxGlobal(const std::string& tempPath, const std::string& pid, const std::string& xName,
                  const std::string& kovaHome) {
   if (IsDXGlobalInit()) return 0;
-  return kova::Guarded([&] { return initialise(tempPath, pid, xName, kovaHome); });
+  const int code = kova::Guarded([&] { return initialise(tempPath, pid, xName, kovaHome); });
+  // A record that finds no memory takes nothing back.
+  if (code == 0) kova::Guarded([&] { return traceStart(tempPath, pid, xName, kovaHome), 0; });
+  return code;
 }
 
 void FinalizeDXGlobal() {

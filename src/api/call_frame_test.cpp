@@ -200,10 +200,11 @@ TEST_F(CallFrame, TextResultsShareOneBlock) {
   StartEngine([](const Bytes& request) {
     return Answer{WireImage{.texts = {"variable " + std::to_string(request[16])}}.bytes()};
   });
-  const std::string first = GetVariableName(1, nullptr);
+  const char* const first = GetVariableName(1, nullptr);
+  EXPECT_STREQ(first, "variable 1");
   const char* const second = GetVariableName(2, nullptr);
-  EXPECT_EQ(first, "variable 1");
   EXPECT_STREQ(second, "variable 2");
+  EXPECT_EQ(first, second);
 }
 
 TEST_F(CallFrame, AFailedTextCallDropsTheSharedText) {

@@ -81,7 +81,8 @@ void IntoTextLabels::take(const CleXDSmb& reply) const {
 
 void Returned<const char*>::take(const CleXDSmb& reply) const {
   const StringData& texts = reply.Strings();
-  *value = KeepSharedText(texts.Size() > 0 ? texts[0] : std::string());
+  static const std::string none;
+  *value = KeepSharedText(texts.Size() > 0 ? texts[0] : none);
 }
 
 void Returned<const char*>::drop() const { DropSharedText(); }

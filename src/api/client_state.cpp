@@ -2,8 +2,10 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
+#include <new>
 
-#include "api/caller_memory.h"
+#include "config/never_destroyed.h"
 
 namespace kova {
 namespace {
@@ -23,16 +25,22 @@ int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxe
 void SetLastReceiveStatus(int status) { lastReceiveStatus.store(status, std::memory_order_relaxed); }
 
 const char* KeepSharedText(const std::string& text) {
-  char* const copy = CopyForCaller(text);
-  std::free(sharedText.exchange(copy));
-  return copy;
+  char* const earlier = sharedText.exchange(nullptr);
+  char* const block = static_cast<char*>(std::realloc(earlier, text.size() + 1));
+  if (!block) {
+    std::free(earlier);
+    throw std::bad_alloc();
+  }
+  std::memcpy(block, text.c_str(), text.size() + 1);
+  std::free(sharedText.exchange(block));
+  return block;
 }
 
 void DropSharedText() { std::free(sharedText.exchange(nullptr)); }
 
 ClientIdentity& StoredIdentity() {
-  static ClientIdentity* const identity = new ClientIdentity;
-  return *identity;
+  static NeverDestroyed<ClientIdentity> identity;
+  return identity.object();
 }
 
 }  // namespace kova

@@ -19,7 +19,7 @@ int LastReceiveStatus();
 void SetLastReceiveStatus(int status);
 
 // Keeps a copy of the text in the one block that the text-returning calls share, in place of the earlier one, and
-// returns it. It lives until the next call of this or of DropSharedText. Throws std::bad_alloc, the earlier text kept.
+// returns it. It lives until the next call of this or of DropSharedText. Throws std::bad_alloc; no text is kept then.
 const char* KeepSharedText(const std::string& text);
 
 // Frees the shared text.

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <new>
 #include <string>
 
 #include "api/InitDxGlobal.h"
@@ -54,7 +55,9 @@ std::string settleName() {
 // Null when somebody took the pipe manager away.
 XPipeSuit* chooseSuite() {
   const ClientIdentity& identity = StoredIdentity();
-  if (!IsDXGlobalInit()) InitDxGlobal(temporaryFolder(), processIdText(), identity.xName, identity.kovaHome);
+  if (!IsDXGlobalInit() && InitDxGlobal(temporaryFolder(), processIdText(), identity.xName, identity.kovaHome) != 0) {
+    throw std::bad_alloc();  // The one reason for which it fails.
+  }
   const std::string name = settleName();
   XPipeManager* const manager = GetXPipeManager();
   if (!manager) return nullptr;

@@ -6,6 +6,7 @@
 #include "platform/os/environment.h"
 #include "tests/api/client_test.h"
 #include "transport/KovaPipe.h"
+#include "transport/JavaPlugInSocket.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"
 
@@ -98,6 +99,17 @@ TEST_F(PipeSelection, ANestedRunHasPipesOfItsOwn) {
 TEST_F(PipeSelection, WithoutAPipeManagerThereAreNoPipes) {
   SetDXGlobalInitFin(true);
   EXPECT_FALSE(SelectPipes());
+}
+
+TEST_F(PipeSelection, FinalisationLeavesTheJavaSocketAlone) {
+  ASSERT_TRUE(SelectPipes());
+  int standIn = 0;
+  auto* const socket = reinterpret_cast<JavaPlugInSocket*>(&standIn);
+  EXPECT_EQ(GetJavaExtSocket(), nullptr);
+  SetavaExtSocket(socket);
+  FinalizeDXGlobal();
+  EXPECT_EQ(GetJavaExtSocket(), socket);
+  SetavaExtSocket(nullptr);
 }
 
 TEST_F(PipeSelection, FinalisationForgetsTheSuite) {

@@ -1,5 +1,6 @@
 #include "config/process_values.h"
 
+#include "config/never_destroyed.h"
 #include "config/text_utilities.h"
 #include "platform/os/environment.h"
 
@@ -16,10 +17,9 @@ struct ProcessValues {
   bool inStat = false;
 };
 
-// Never destroyed: threads and other objects may still ask while the process ends.
 ProcessValues& values() {
-  static ProcessValues* const theValues = new ProcessValues();
-  return *theValues;
+  static kova::NeverDestroyed<ProcessValues> theValues;
+  return theValues.object();
 }
 
 void storeHome(std::string path) {

@@ -1,5 +1,8 @@
 #include "host/XManager.h"
 
+#include <memory>
+#include <utility>
+
 namespace {
 
 XManager* theManager = nullptr;
@@ -11,8 +14,15 @@ XManager::XManager() = default;
 XManager::~XManager() { cleanup(); }
 
 void XManager::addStatisticsX(const std::string& name, StatisticsX* host) {
+  std::unique_ptr<StatisticsX> taken(host);
   std::unique_ptr<StatisticsX>& entry = hosts_[name];
-  if (entry.get() != host) entry.reset(host);
+  if (entry.get() == host) {
+    static_cast<void>(taken.release());
+    return;
+  }
+  // The old host ends before anyone can see the new one; its destructor finds no host of its name.
+  std::exchange(entry, nullptr).reset();
+  entry = std::move(taken);
 }
 
 StatisticsX* XManager::getStatisticsX(const std::string& name) const {

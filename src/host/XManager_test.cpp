@@ -51,6 +51,27 @@ TEST_F(XManagerTest, KeepsHostsByName) {
   EXPECT_EQ(manager_.getStatisticsX("JAVA"), nullptr);
 }
 
+// A host that looks itself up when it is deleted.
+class LooksItselfUp : public Host {
+ public:
+  LooksItselfUp(std::vector<std::string>* deleted, XManager* manager, StatisticsX** found)
+      : Host("old", deleted), manager_(manager), found_(found) {}
+  ~LooksItselfUp() override { *found_ = manager_->getStatisticsX("R"); }
+
+ private:
+  XManager* manager_;
+  StatisticsX** found_;
+};
+
+TEST_F(XManagerTest, TheOldHostEndsBeforeTheNewOneIsThere) {
+  StatisticsX* found = nullptr;
+  manager_.addStatisticsX("R", new LooksItselfUp(&deleted_, &manager_, &found));
+  found = manager_.getStatisticsX("R");
+  StatisticsX* const host = Add("R", "new");
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(manager_.getStatisticsX("R"), host);
+}
+
 TEST_F(XManagerTest, ANewHostReplacesTheOldOne) {
   Add("R", "old");
   StatisticsX* const host = Add("R", "new");

@@ -2,9 +2,9 @@
 //
 // A message is a value owned by whoever builds or receives it; copies are deep. One thread uses a message at a time.
 // The setters keep no pointer to what they are given, but for `SetVoidData` and `BorrowVoidData`. A setter that finds
-// no memory leaves its slot as it was and marks the message: it can then not be serialised (result 8), so that a
-// request with a hole is never sent. The mark goes with `CleanUpAllData`. Getters that return copies of lists may throw
-// std::bad_alloc, as copying any container may.
+// no memory leaves its slot as it was or empty and marks the message: it can then not be serialised (result 8), so that
+// a request with a hole is never sent. The mark goes with `CleanUpAllData`. Getters that return copies of lists may
+// throw std::bad_alloc, as copying any container may.
 #ifndef KOVADX_MESSAGE_CLEXDSMB_H
 #define KOVADX_MESSAGE_CLEXDSMB_H
 
@@ -111,7 +111,7 @@ class KOVADX_API CleXDSmb {
   // The binary string, or null. A received one has one byte more than its length: see `ParseBuf`.
   char* GetBinaryData() const { return binary_.data(); }
   // The length of what `GetBinaryData` returns, without that byte.
-  int BinaryLength() const { return binaryLength_; }
+  int BinaryLength() const { return binary_.held() ? binaryLength_ : 0; }
   // NUL-terminated, or null when there is none.
   kova::WideUnit* GetwStringData() const;
   // The void data, or null, and its length.
@@ -135,11 +135,12 @@ class KOVADX_API CleXDSmb {
   // Builds the send buffer. 0, or 8 when there is no memory for it, when it would exceed 2^31 - 1 bytes, or when an
   // earlier setter found no memory; there is no send buffer then. (The name is spelt so: sic.)
   int ContructSendData();
-  // The send buffer and its length; null before it was built and after it was released. After `ParseBuf` without a
-  // send buffer the length is that of the parsed message.
+  // The send buffer and its length; null before it was built and after it was released, and null with a length of 0
+  // when `BuildPieces` has left the void data out of it. After `ParseBuf` without a send buffer the length is that of
+  // the parsed message.
   char* GetSendBuf(int& length) const;
-  // Builds the same bytes as `ContructSendData`, but leaves the void data where it lies. The head becomes the send
-  // buffer; its first field tells the length of both pieces together.
+  // Builds the same bytes as `ContructSendData`, but leaves the void data where it lies. The head takes the send
+  // buffer's place; its first field tells the length of both pieces together.
   kova::WirePieces BuildPieces();
 
   // Rebuilds a message from a received buffer: values are appended to the scalar lists and to the arrays, the binary
@@ -151,9 +152,10 @@ class KOVADX_API CleXDSmb {
   int ParseBuf(void* buffer);
   // The same with the bound from the transport: nothing beyond `available` bytes is read.
   int ParseBuf(const void* buffer, int available);
-  // The same for a buffer of the message's whole length of which `available` bytes arrived. The missing rest is zeroed
-  // first and reads as zeros. The block is kept: the void data stays in place inside it, without a copy.
-  int AdoptReceived(kova::Block&& block, int available);
+  // The same for a buffer of the message's whole length of which `arrived` bytes are the sender's; the rest must be
+  // zeros and reads as such, but a list ends at its first text, record or list that would be made of the rest alone.
+  // The block is kept: the void data stays in place inside it, without a copy.
+  int AdoptReceived(kova::Block&& block, int arrived);
 
   // Clearing.
 
@@ -182,7 +184,7 @@ class KOVADX_API CleXDSmb {
   char* writeHead(bool withVoidData);
 
   // With an `owner`, the void data stays inside it and the message keeps it.
-  int parse(const char* buffer, std::int64_t available, kova::Block* owner);
+  int parse(const char* buffer, std::int64_t available, std::int64_t arrived, kova::Block* owner);
   // Each is false when the parse ends here: the bytes ended, or `result` became 8 for want of memory.
   bool parseHeader(kova::ByteReader& reader);
   bool parseBinary(kova::ByteReader& reader, int& result);

@@ -376,6 +376,8 @@ TEST(CleXDSmb, AMovedMessageIsEmptyAndUsable) {
   const Bytes image = imageOf(message);
   CleXDSmb moved = std::move(message);
   EXPECT_EQ(imageOf(moved), image);
+  EXPECT_EQ(message.GetBinaryData(), nullptr);
+  EXPECT_EQ(message.BinaryLength(), 0);
   static_assert(std::is_nothrow_move_constructible_v<CleXDSmb>);
   CleXDSmb fresh;
   fresh = std::move(moved);
@@ -496,6 +498,19 @@ TEST(CleXDSmb, AdoptedVoidDataStaysInItsBlock) {
   const CleXDSmb copy = message;
   message.CleanUpAllData();
   EXPECT_EQ(voidDataOf(copy), "\x09\x08\x07\x06");
+}
+
+TEST(CleXDSmb, PiecesLeaveNoSendBufferWithoutItsVoidData) {
+  CleXDSmb message;
+  std::vector<char> block(100, 'b');
+  message.BorrowVoidData(block.data(), 100);
+  ASSERT_EQ(message.BuildPieces().headLength, 52);
+  int length = -1;
+  EXPECT_EQ(message.GetSendBuf(length), nullptr);
+  EXPECT_EQ(length, 0);
+  ASSERT_EQ(message.ContructSendData(), 0);
+  EXPECT_NE(message.GetSendBuf(length), nullptr);
+  EXPECT_EQ(length, 152);
 }
 
 TEST(CleXDSmb, TheMissingRestOfAnAdoptedBufferReadsAsZeros) {

@@ -36,9 +36,9 @@ template <typename List>
 bool readLists(kova::ByteReader& reader, std::vector<List>& lists) {
   std::int32_t count = 0;
   if (!reader.readCount(kIntLength, count)) return false;
-  lists.reserve(lists.size() + static_cast<std::size_t>(count));
+  lists.reserve(lists.size() + reader.likely(count, kIntLength));
   for (std::int32_t i = 0; i < count; ++i) {
-    if (!lists.emplace_back().read(reader)) return false;
+    if (!reader.hasArrived() || !lists.emplace_back().read(reader)) return false;
   }
   return true;
 }
@@ -100,8 +100,13 @@ kova::WirePieces CleXDSmb::BuildPieces() {
 }
 
 char* CleXDSmb::GetSendBuf(int& length) const {
-  length = sendBuffer_.held() ? static_cast<int>(sendBuffer_.size()) : sendLength_;
-  return sendBuffer_.data();
+  length = sendLength_;
+  if (!sendBuffer_.held()) return nullptr;
+  std::int32_t total = 0;
+  std::memcpy(&total, sendBuffer_.data(), sizeof total);
+  const bool isWhole = sendBuffer_.size() == static_cast<std::size_t>(total);  // Not the head of pieces alone.
+  length = isWhole ? total : 0;
+  return isWhole ? sendBuffer_.data() : nullptr;
 }
 
 int CleXDSmb::ParseBuf(void* buffer) {
@@ -113,19 +118,17 @@ int CleXDSmb::ParseBuf(void* buffer) {
 
 int CleXDSmb::ParseBuf(const void* buffer, int available) {
   if (buffer == nullptr) return 0;
-  return parse(static_cast<const char*>(buffer), available, nullptr);
+  return parse(static_cast<const char*>(buffer), available, available, nullptr);
 }
 
-int CleXDSmb::AdoptReceived(kova::Block&& block, int available) {
+int CleXDSmb::AdoptReceived(kova::Block&& block, int arrived) {
   kova::Block received = std::move(block);
   if (received.data() == nullptr) return kNotEnoughMemory;
-  const std::size_t arrived = available > 0 ? static_cast<std::size_t>(available) : 0;
-  if (arrived < received.size()) std::memset(received.data() + arrived, 0, received.size() - arrived);
-  return parse(received.data(), static_cast<std::int64_t>(received.size()), &received);
+  return parse(received.data(), static_cast<std::int64_t>(received.size()), arrived, &received);
 }
 
-int CleXDSmb::parse(const char* buffer, std::int64_t available, kova::Block* owner) {
-  kova::ByteReader reader(buffer, available);
+int CleXDSmb::parse(const char* buffer, std::int64_t available, std::int64_t arrived, kova::Block* owner) {
+  kova::ByteReader reader(buffer, available, arrived);
   voidData_.release();
   try {
     const bool whole = parseHeader(reader) && longs_.read(reader) && doubles_.read(reader) && strings_.read(reader) &&

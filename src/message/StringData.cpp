@@ -18,7 +18,7 @@ bool readStrings(kova::ByteReader& reader, std::size_t count, StringData::Values
   for (std::size_t i = 0; i < count; ++i) {
     const char* bytes = nullptr;
     std::int32_t length = 0;
-    if (!reader.readText(bytes, length)) return false;
+    if (!reader.hasArrived() || !reader.readText(bytes, length)) return false;
     values.emplace_back(bytes, static_cast<std::size_t>(length));
   }
   return true;
@@ -134,6 +134,6 @@ bool StringData::read(kova::ByteReader& reader) {
   std::int32_t count = 0;
   if (!reader.readCount(kLengthField, count)) return false;
   if (waitingCount_ > 0) settle();
-  values_.reserve(values_.size() + static_cast<std::size_t>(count));
+  values_.reserve(values_.size() + reader.likely(count, kLengthField));
   return readStrings(reader, static_cast<std::size_t>(count), values_);
 }

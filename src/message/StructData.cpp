@@ -71,10 +71,10 @@ void StructData::write(kova::ByteWriter& writer) const {
 bool StructData::read(kova::ByteReader& reader) {
   std::int32_t count = 0;
   if (!reader.readCount(kSmallestRecord, count)) return false;
-  values_.reserve(values_.size() + static_cast<std::size_t>(count));
+  values_.reserve(values_.size() + reader.likely(count, kSmallestRecord));
   for (std::int32_t i = 0; i < count; ++i) {
     dataSet value;
-    if (!readRecord(reader, value)) return false;
+    if (!reader.hasArrived() || !readRecord(reader, value)) return false;
     values_.push_back(std::move(value));
   }
   return true;

@@ -11,10 +11,14 @@
 namespace kova {
 
 // Points into a buffer of the caller. Each read checks in 64 bits that the field is there; a read that fails stores
-// nothing and moves nothing.
+// nothing and moves nothing. Of a message that was cut short only the first `arrived` of the bytes are the sender's,
+// the rest is zeros: those read as numbers and texts like any others, but no list is filled with items made of them
+// alone.
 class ByteReader {
  public:
-  ByteReader(const void* begin, std::int64_t available) : at_(static_cast<const char*>(begin)), left_(available) {}
+  ByteReader(const void* begin, std::int64_t available) : ByteReader(begin, available, available) {}
+  ByteReader(const void* begin, std::int64_t available, std::int64_t arrived)
+      : at_(static_cast<const char*>(begin)), left_(available), missing_(available - arrived) {}
 
   bool readInt(std::int32_t& value) { return read(&value, sizeof value); }
   bool readDouble(double& value) { return read(&value, sizeof value); }
@@ -28,6 +32,14 @@ class ByteReader {
     skip(kIntLength);
     count = value;
     return true;
+  }
+
+  // Whether the next field begins with a byte that the sender wrote.
+  bool hasArrived() const { return left_ > missing_; }
+  // How many of `count` items, each of at least `smallestItem` bytes, can begin with such a byte: a list's first room.
+  std::size_t likely(std::int32_t count, std::int64_t smallestItem) const {
+    const std::int64_t most = hasArrived() ? (left_ - missing_) / smallestItem + 1 : 0;
+    return static_cast<std::size_t>(count < most ? count : most);
   }
 
   // A byte length and that many bytes, which stay where they lie.
@@ -59,6 +71,7 @@ class ByteReader {
 
   const char* at_;
   std::int64_t left_;
+  std::int64_t missing_;
 };
 
 }  // namespace kova

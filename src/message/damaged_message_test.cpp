@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -62,6 +63,26 @@ TEST(DamagedMessage, ArrivedOnlyInPart) {
     EXPECT_EQ(adopt(message, image, static_cast<int>(length)), 0);
     touch(message);
     EXPECT_EQ(message.GetErrorCode(), length >= 9 ? 17 : 0);
+  }
+}
+
+// The places of the counts of texts, records and lists in a message of 200 MiB of which 60 bytes have arrived.
+TEST(DamagedMessage, CountsOfACutMessageCostNoMemory) {
+  constexpr int kClaimed = 200 << 20;
+  for (const int place : {20, 24, 28, 32, 36}) {
+    SCOPED_TRACE(place);
+    void* const zeroed = std::calloc(1, kClaimed);
+    ASSERT_NE(zeroed, nullptr);
+    const std::int32_t count = kClaimed / 40;
+    std::memcpy(zeroed, &kClaimed, sizeof kClaimed);
+    std::memcpy(static_cast<char*>(zeroed) + place, &count, sizeof count);
+    CleXDSmb message;
+    ASSERT_EQ(message.AdoptReceived(kova::Block::adopt(zeroed, kClaimed), 60), 0);
+    const std::size_t items = message.Strings().values().capacity() + message.Structs().values().capacity() +
+                              message.LongArrays().capacity() + message.DoubleArrays().capacity() +
+                              message.StringArrays().capacity();
+    EXPECT_GT(items, 0u);
+    EXPECT_LE(items, 60u);
   }
 }
 

@@ -27,11 +27,12 @@ inline int parse(CleXDSmb& message, const Bytes& bytes) {
   return message.ParseBuf(exact.data(), static_cast<int>(exact.size()));
 }
 
-// The same by the road of a received buffer of which only the first `available` bytes have arrived.
-inline int adopt(CleXDSmb& message, const Bytes& bytes, int available) {
+// The same by the road of a received buffer of which only the first `arrived` bytes have arrived.
+inline int adopt(CleXDSmb& message, const Bytes& bytes, int arrived) {
   kova::Block block = kova::Block::take(bytes.size());
-  std::memcpy(block.data(), bytes.data(), bytes.size());
-  return message.AdoptReceived(std::move(block), available);
+  std::memset(block.data(), 0, bytes.size());
+  std::memcpy(block.data(), bytes.data(), static_cast<std::size_t>(arrived));
+  return message.AdoptReceived(std::move(block), arrived);
 }
 
 inline std::string_view voidDataOf(const CleXDSmb& message) {

@@ -84,7 +84,7 @@ int KovaPipe::KOVACreateFile() {
     return kova::kPipeFailed;
   }
   // Deliberate: a failed open is not traced here, only a failed wait.
-  const os::Error opened = os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, &handle_);
+  const os::Error opened = os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &handle_);
   return opened == os::kSuccess ? 0 : kova::kPipeFailed;
 }
 
@@ -99,7 +99,7 @@ int KovaPipe::KOVACreateFileR() {
     os::SleepMs(kOpenPauseMs);
     error = os::AwaitServer(name_.c_str(), os::kWaitForever);
   }
-  error = os::OpenPipe(name_.c_str(), os::PipeAccess::Read, &handle_);
+  error = os::OpenPipe(name_.c_str(), os::PipeAccess::Read, os::WhenTaken::Wait, &handle_);
   if (error == os::kSuccess) return 0;
   TraceFailure(" KOVACreateFileR", error);
   return kova::kPipeFailed;
@@ -111,7 +111,7 @@ int KovaPipe::OpenPipeToUnBlockWrite() {
   // Deliberate: the earlier handle is replaced, not closed, because another thread may be blocked on it, and neither
   // the result nor the flag tells whether the open worked.
   os::NativeHandle opened = invalidHandle();
-  os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, &opened);
+  os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp, &opened);
   handle_ = opened;
   writeConnected_ = true;
   return 0;

@@ -29,10 +29,11 @@ class KOVADX_API XPipeManager {
   // The suite of that name, byte for byte; it is made when there is none, so the result is never null.
   XPipeSuit* getPipeSuit(const std::string& name);
 
-  // Destroys the suite of that name; an unknown name does nothing.
+  // Destroys the suite of that name; an unknown name does nothing. The client interface holds on to the suite of its
+  // first call until FinalizeDXGlobal: that one must not be removed before.
   void removePipeSuit(const std::string& name);
 
-  // Destroys every suite.
+  // Destroys every suite; the same holds.
   void cleanup();
 
  private:

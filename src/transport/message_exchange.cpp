@@ -78,7 +78,7 @@ int parseCutMessage(CleXDSmb& message, const char* data, int received, int total
   if (zeroed == nullptr) return *transportStatus = status(os::kNotEnoughMemory);
   std::memcpy(zeroed, data, static_cast<std::size_t>(received));
   kova::Block block = kova::Block::adopt(zeroed, static_cast<std::size_t>(total));
-  return parsed(message.AdoptReceived(std::move(block), total), message, transportStatus);
+  return parsed(message.AdoptReceived(std::move(block), received), message, transportStatus);
 }
 
 // Receives a message whose first `received` bytes lie in `first`, and which is `total` bytes long.

@@ -26,7 +26,7 @@ class ReceiveDataTest : public kova::TracedTest {
  protected:
   ReceiveDataTest() {
     pipe_.CreatePipe();
-    os::OpenPipe(kName.c_str(), os::PipeAccess::ReadWrite, &peer_);
+    os::OpenPipe(kName.c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &peer_);
   }
 
   ~ReceiveDataTest() override { HangUp(); }

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "message/CleXDSmb.h"
@@ -44,7 +45,9 @@ kova::Block exactBlock(const std::uint8_t* data, std::size_t size) {
 // The void data without a copy, and the last part of the buffer not arrived.
 void adopt(const std::uint8_t* data, std::size_t size, std::size_t arrived) {
   CleXDSmb message;
-  require(message.AdoptReceived(exactBlock(data, size), static_cast<int>(arrived)) == 0);
+  kova::Block block = exactBlock(data, size);
+  if (arrived < size) std::memset(block.data() + arrived, 0, size - arrived);
+  require(message.AdoptReceived(std::move(block), static_cast<int>(arrived)) == 0);
   requireSameAfterATrip(message);
 }
 

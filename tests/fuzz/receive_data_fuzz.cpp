@@ -69,7 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   KovaPipe pipe("\\\\.\\pipe\\kova_fuzz_" + std::to_string(os::CurrentProcessId()));
   require(pipe.CreatePipe() == 0);
   os::NativeHandle peer = nullptr;
-  require(os::OpenPipe(pipe.GetPipeName().c_str(), os::PipeAccess::ReadWrite, &peer) == os::kSuccess);
+  require(os::OpenPipe(pipe.GetPipeName().c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &peer) ==
+          os::kSuccess);
   writePackets(peer, data, size);
   os::ClosePipeHandle(peer);
   // At most one message a packet, and the end.

@@ -54,6 +54,7 @@ TEST_P(BrokenPeer, EndsTheReceiveWithACode) {
   KovaPipe pipe(kova::kit::scratchName());
   ASSERT_EQ(pipe.CreatePipe(), 0);
   auto child = kova::kit::startChild("writes_and_ends", {pipe.GetPipeName(), GetParam().packets});
+  ASSERT_TRUE(static_cast<bool>(child));
   const int connected = pipe.ConnectPipe();
   ASSERT_TRUE(connected == 0 || connected == 535) << connected;
   CleXDSmb message;
@@ -93,6 +94,7 @@ TEST(LivingPeer, ThatWritesNoBytesIsNotTakenForGone) {
   KovaPipe pipe(kova::kit::scratchName());
   ASSERT_EQ(pipe.CreatePipe(), 0);
   auto child = kova::kit::startChild("writes_nothing_and_stays", {pipe.GetPipeName()});
+  ASSERT_TRUE(static_cast<bool>(child));
   const int connected = pipe.ConnectPipe();
   ASSERT_TRUE(connected == 0 || connected == 535) << connected;
   CleXDSmb message;
@@ -116,6 +118,7 @@ TEST(KilledPeer, InTheMiddleOfARequestEndsTheReceive) {
   Conversation conversation;
   ASSERT_TRUE(conversation.created());
   auto child = kova::kit::startChild("stops_in_the_middle_of_a_request", conversation.names());
+  ASSERT_TRUE(static_cast<bool>(child));
   ASSERT_TRUE(conversation.connect());
   std::vector<char> chunk(8192);
   unsigned long read = 0;
@@ -132,6 +135,7 @@ TEST(KilledPeer, ThatNeverReadItsReplyMakesTheWriteFail) {
   Conversation conversation;
   ASSERT_TRUE(conversation.created());
   auto child = kova::kit::startChild("stops_in_the_middle_of_a_request", conversation.names());
+  ASSERT_TRUE(static_cast<bool>(child));
   ASSERT_TRUE(conversation.connect());
   ASSERT_EQ(child.Terminate(), 0u);
   kova::kit::waitForChild(child);
@@ -161,6 +165,7 @@ TEST(CutReply, KeepsItsErrorCodeAndIsToldByTheStatus) {
   std::vector<std::string> arguments = conversation.names();
   arguments.emplace_back("41");
   auto child = kova::kit::startChild("gives_the_status_of_its_reply", arguments);
+  ASSERT_TRUE(static_cast<bool>(child));
   ASSERT_TRUE(conversation.connect());
   CleXDSmb request;
   ASSERT_EQ(ReceiveData(&conversation.requests(), request), 0);

@@ -112,10 +112,12 @@ TEST(ExchangeWithTwoClients, TheSecondIsServedWhenTheFirstHasGone) {
   Conversation conversation;
   ASSERT_TRUE(conversation.created());
   auto first = kova::kit::startChild("asks_many_times", conversation.names());
+  ASSERT_TRUE(static_cast<bool>(first));
   EXPECT_EQ(serve(conversation), 1000);
   EXPECT_EQ(kova::kit::waitForChild(first), 0);
   ASSERT_TRUE(conversation.disconnect());
   auto second = kova::kit::startChild("asks_many_times", conversation.names());
+  ASSERT_TRUE(static_cast<bool>(second));
   EXPECT_EQ(serve(conversation), 1000);
   EXPECT_EQ(kova::kit::waitForChild(second), 0);
 }
