@@ -11,7 +11,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(KOVA_SANITIZE "" CACHE STRING "Sanitizers for everything, as -fsanitize takes them")
 set(KOVA_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "GoogleTest's sources (Debian: googletest)")
 set(KOVA_HOME_DIR "${CMAKE_BINARY_DIR}/home" CACHE PATH "The runnable home folder that the build assembles")
-set(KOVA_DEPS_DIR "${CMAKE_SOURCE_DIR}/build/deps" CACHE PATH "Where scripts/setup unpacks Debian's source packages")
+set(KOVA_DEPS_DIR "${CMAKE_SOURCE_DIR}/build/deps" CACHE PATH "Where scripts/demo and scripts/test unpack Debian's source packages")
 find_package(Threads REQUIRED)
 
 if(KOVA_SANITIZE)

@@ -12,12 +12,11 @@
 #include "engine/engine.h"
 #include "platform/os/clock.h"
 #include "platform/os/process.h"
+#include "tests/kit/backend_traits.h"
 #include "transport/message_exchange.h"
 
 namespace kova::engine {
 namespace {
-
-constexpr int kBrokenPipe = 109;
 
 // The client's side of one conversation, without the client library.
 class RawClient {
@@ -52,7 +51,7 @@ class RawClient {
   void expectDropped() {
     char byte = 0;
     unsigned long count = 0;
-    EXPECT_EQ(requests_.ReadData(1, &byte, count), kBrokenPipe);
+    EXPECT_EQ(requests_.ReadData(1, &byte, count), static_cast<int>(kit::kBackend.readAfterDisconnect));
   }
 
   void close() {
@@ -261,7 +260,7 @@ TEST_F(XdapiServerTest, ARequestWithoutAReplyPipeEndsTheConversation) {
     ASSERT_EQ(SendData(&requests, request, false), 0);
     char byte = 0;
     unsigned long count = 0;
-    EXPECT_EQ(requests.ReadData(1, &byte, count), kBrokenPipe);
+    EXPECT_EQ(requests.ReadData(1, &byte, count), static_cast<int>(kit::kBackend.readAfterDisconnect));
   }
   expectServes(base);
 }

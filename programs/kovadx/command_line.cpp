@@ -27,6 +27,9 @@ std::string checkName(const std::string& name) {
   return "expected 1 to 32 letters, digits and underscores, found \"" + name + "\"";
 }
 
+// An empty value is a variable of the caller's script that is not set.
+std::string checkPath(const std::string& path) { return path.empty() ? "expected a path, found \"\"" : ""; }
+
 void toUpper(std::string* text) {
   std::transform(text->begin(), text->end(), text->begin(), [](unsigned char c) { return std::toupper(c); });
 }
@@ -62,9 +65,10 @@ std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, i
                                      "Start an engine, run a program beside it, and end as the program ends:\n"
                                      "kovadx run [--data DATAPACKAGE] [--name NAME] [--home DIR] -- PROGRAM ARGS...");
   run->footer(kExamples);
-  run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder");
+  run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder")->check(checkPath);
   run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
-  run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)");
+  run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)")
+      ->check(checkPath);
   try {
     std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
     app.parse(arguments);

@@ -62,23 +62,24 @@ class KovadxTest(unittest.TestCase):
         start = [options.emulator] if options.emulator else []
         return [*start, str(options.home / f"kovadx{suffix}"), *map(str, arguments)]
 
-    def environment(self, preload=False):
+    def environment(self, preload=False, variables=None):
         environment = {**os.environ, "KOVA_PIPE_DIR": str(self.pipes)}
         for name in ("KOVA_HOME", "KOVA_XNAME", "KOVADXTEMP"):
             environment.pop(name, None)
         if preload and options.preload:
             environment.update(LD_PRELOAD=options.preload, ASAN_OPTIONS="detect_leaks=0")
+        environment.update(variables or {})
         return environment
 
-    def kovadx(self, *arguments, preload=False, **more):
+    def kovadx(self, *arguments, preload=False, variables=None, **more):
         """Runs kovadx to its end: exit code, output lines, error lines."""
-        run = subprocess.run(self.command(*arguments), env=self.environment(preload), capture_output=True, text=True,
-                             timeout=PATIENCE, **more)
+        run = subprocess.run(self.command(*arguments), env=self.environment(preload, variables), capture_output=True,
+                             text=True, timeout=PATIENCE, **more)
         return run.returncode, run.stdout.splitlines(), run.stderr.splitlines()
 
-    def start(self, *arguments):
+    def start(self, *arguments, **more):
         process = subprocess.Popen(self.command(*arguments), env=self.environment(), stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, text=True)
+                                   stderr=subprocess.PIPE, text=True, **more)
         self.addCleanup(process.stdout.close)
         self.addCleanup(process.stderr.close)
         self.addCleanup(process.wait)
@@ -90,6 +91,12 @@ class KovadxTest(unittest.TestCase):
 
     def shell(self, posix, windows):
         return ["cmd", "/c", windows] if options.emulator else ["/bin/sh", "-c", posix]
+
+
+class Home(KovadxTest):
+    def test_the_home_folder_holds_the_configuration(self):
+        sample = HERE.parent / "kovadxcfg.ini"
+        self.assertEqual((options.home / "kovadxcfg.ini").read_bytes(), sample.read_bytes())
 
 
 class CommandLine(KovadxTest):
@@ -109,6 +116,8 @@ class CommandLine(KovadxTest):
             (["run"], 'kovadx: no program to run; name it behind "--", as in: kovadx run -- PROGRAM ARGS...'),
             (["run", "--"], 'kovadx: no program to run; name it behind "--", as in: kovadx run -- PROGRAM ARGS...'),
             (["run", "--data"], "kovadx: --data: 1 required TEXT missing; see kovadx --help"),
+            (["run", "--data", "", "--", "x"], 'kovadx: --data: expected a path, found ""; see kovadx --help'),
+            (["run", "--home", "", "--", "x"], 'kovadx: --home: expected a path, found ""; see kovadx --help'),
             (["run", "--name", "a b", "--", "x"],
              'kovadx: --name: expected 1 to 32 letters, digits and underscores, found "a b"; see kovadx --help'),
             (["run", "--home", "no/such", "--", "x"],
@@ -155,7 +164,7 @@ class Programs(KovadxTest):
                 self.assertEqual(self.kovadx("run", "--", *self.shell(f"exit {code}", f"exit {code}"))[0], code)
 
     def test_streams_pass_through(self):
-        shell = self.shell("cat; echo problem >&2; exit 3", "findstr x & echo problem>&2 & exit 3")
+        shell = self.shell("cat; echo problem >&2; exit 3", "more & echo problem>&2 & exit 3")
         code, output, errors = self.kovadx("run", "--", *shell, input="x1\nx2\n")
         self.assertEqual((code, output, [line.strip() for line in errors]), (3, ["x1", "x2"], ["problem"]))
 
@@ -166,6 +175,19 @@ class Programs(KovadxTest):
         self.assertEqual((code, output[1]), (0, "PYTHON"))
         self.assertTrue(output[0].replace("\\", "/").endswith(str(options.home)), output[0])
         self.assertNotEqual(output[2].strip(), "")
+
+    def test_a_home_named_from_the_present_folder_is_passed_on_whole(self):
+        shell = self.shell('echo "$KOVA_HOME"', "echo %KOVA_HOME%")
+        run = ["run", "--home", options.home.name, "--", *shell]
+        code, output, _ = self.kovadx(*run, cwd=options.home.parent)
+        self.assertEqual(code, 0)
+        self.assertTrue(output[0].replace("\\", "/").endswith(str(options.home)), output[0])
+
+    def test_a_home_that_is_no_folder(self):
+        file = self.scratch / "file"
+        file.write_text("")
+        line = f"kovadx: no such home folder: {file}; give the folder that holds the library with --home"
+        self.assertEqual(self.kovadx("run", "--home", file, "--", "x"), (125, [], [line]))
 
     def test_a_program_that_is_not_there(self):
         run = self.kovadx("run", "--", "no-such-program")
@@ -183,6 +205,49 @@ class PosixPrograms(KovadxTest):
     def test_the_home_is_searched_for_libraries(self):
         _, output, _ = self.kovadx("run", "--", "/bin/sh", "-c", 'echo "$LD_LIBRARY_PATH"')
         self.assertEqual(output[0].split(":")[0], str(options.home))
+
+    def test_a_temporary_folder_is_found_in_any_case(self):
+        for variables, folder in (({"KOVADXTEMP": "/chosen"}, "/chosen"),
+                                  ({"KOVADXTEMP": "", "TMPDIR": str(self.scratch)}, str(self.scratch)),
+                                  ({"TMPDIR": "/no/such/folder"}, "/tmp")):
+            with self.subTest(variables=variables):
+                run = self.kovadx("run", "--", "/bin/sh", "-c", 'echo "$KOVADXTEMP"', variables=variables)
+                self.assertEqual(run, (0, [folder], []))
+
+    def test_the_program_comes_to_the_same_pipe_folder(self):
+        describe = str(self.describe())
+        for label, variables, program in (
+            ("a relative folder", {"KOVA_PIPE_DIR": "pipes"}, ["/bin/sh", "-c", f"cd / && exec {describe}"]),
+            ("a variable that is dropped", {"KOVA_PIPE_DIR": "", "XDG_RUNTIME_DIR": str(self.scratch)},
+             ["/usr/bin/env", "-u", "XDG_RUNTIME_DIR", describe]),
+        ):
+            with self.subTest(label):
+                run = self.kovadx("run", "--data", PENGUINS, "--", *program, variables=variables, cwd=self.scratch)
+                self.assertEqual(run, (0, EXPECTED, []))
+
+    def test_pipes_that_can_not_be_made_are_explained(self):
+        self.pipes.chmod(0o755)
+        for folder, reason in ((self.pipes, r"\(.+, error 5\); check that the folder belongs to you alone"),
+                               (self.scratch / "no" / "such",
+                                r"\(.+, error 2\); check that the folder above it is there"),
+                               (self.scratch / ("n" * 100), r"\(.+, error 206\)")):
+            with self.subTest(reason):
+                variables = {"KOVA_PIPE_DIR": str(folder)}
+                code, output, errors = self.kovadx("run", "--", "/bin/sleep", "600", variables=variables)
+                self.assertEqual((code, output, len(errors)), (125, [], 1))
+                pipe = r"its pipe \\\\\.\\pipe\\[0-9a-f]{4,}EXTERNAL0xdapi can not be made in the folder "
+                self.assertRegex(errors[0], f"^kovadx: can not serve the program: {pipe}{folder} {reason}$")
+
+    def test_a_script_whose_interpreter_is_not_there(self):
+        script = self.scratch / "script"
+        script.write_text("#! /no/such/interpreter -x\n")
+        script.chmod(0o755)
+        line = f"kovadx: program can not be run: {script}; it is there, but not its interpreter /no/such/interpreter"
+        self.assertEqual(self.kovadx("run", "--", script), (126, [], [line]))
+
+    def test_the_exit_code_is_known_where_ends_of_children_are_ignored(self):
+        ignore = lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN)
+        self.assertEqual(self.kovadx("run", "--", "/bin/sh", "-c", "exit 3", preexec_fn=ignore), (3, [], []))
 
     def test_arguments_pass_through_untouched(self):
         script = 'for a in "$@"; do echo "[$a]"; done'
@@ -215,14 +280,58 @@ class PosixPrograms(KovadxTest):
         self.assertEqual(run, (137, [], []))
 
 
+class PosixShortage(KovadxTest):
+    """The program takes kovadx all descriptors but a few: nobody is left waiting for ever."""
+
+    # Waits until kovadx serves, and sets its limit so that it can open `room` descriptors more.
+    LIMIT = (
+        "import fcntl, os, resource, runpy, socket, sys, threading, time\n"
+        "kovadx, room = os.getppid(), int(sys.argv[2])\n"
+        "folder = os.environ['KOVA_PIPE_DIR']\n"
+        "pipe = f'{folder}/{os.getpid():04x}EXTERNAL0xdapi'\n"
+        "while not os.path.exists(pipe): time.sleep(0.001)\n"
+        "lock = os.open(folder, os.O_RDONLY)\n"
+        "fcntl.flock(lock, fcntl.LOCK_EX)\n"
+        "os.close(lock)\n"
+        "used = {int(number) for number in os.listdir(f'/proc/{kovadx}/fd')}\n"
+        "free = [number for number in range(1000) if number not in used]\n"
+        "before = resource.prlimit(kovadx, resource.RLIMIT_NOFILE)\n"
+        "resource.prlimit(kovadx, resource.RLIMIT_NOFILE, (free[room], before[1]))\n"
+        "restore = lambda: resource.prlimit(kovadx, resource.RLIMIT_NOFILE, before)\n")
+
+    def run_script(self, script, room):
+        program = self.scratch / "program.py"
+        program.write_text(self.LIMIT + script)
+        arguments = ["--", "/usr/bin/python3", program, PENGUINS / "describe.py", str(room)]
+        return self.kovadx("run", "--data", PENGUINS, *arguments, preload=True)
+
+    def test_a_shortage_is_waited_out(self):
+        script = (
+            "describe = runpy.run_path(sys.argv[1])\n"
+            "engine = describe['Engine'](os.environ['KOVA_XNAME'], os.environ['KOVA_HOME'])\n"
+            "threading.Timer(0.3, restore).start()\n"
+            "print(engine.value('GetVariableCount'))\n")
+        for lacks, room in (("the request pipe's client", 0), ("the reply pipe", 1)):
+            with self.subTest(lacks):
+                self.assertEqual(self.run_script(script, room), (0, ["7"], []))
+
+    def test_a_pipe_that_takes_nobody_in_is_closed(self):
+        script = (
+            "visitor = socket.socket(socket.AF_UNIX, socket.SOCK_SEQPACKET)\n"
+            "visitor.connect(pipe)\n"
+            "while os.path.exists(pipe): time.sleep(0.01)\n"
+            "restore()\n")
+        self.assertEqual(self.run_script(script, 0), (0, [], []))
+
+
 class PosixEnding(KovadxTest):
     """Ctrl-C, and a kovadx that is killed: the program never outlives it."""
 
     SLEEPER = "echo $$; exec sleep 600"
     STUBBORN = "trap '' INT; echo $$; exec sleep 600"
 
-    def run_until_up(self, script):
-        process = self.start("run", "--data", PENGUINS, "--", "/bin/sh", "-c", script)
+    def run_until_up(self, script, **more):
+        process = self.start("run", "--data", PENGUINS, "--", "/bin/sh", "-c", script, **more)
         pid = int(process.stdout.readline())
         self.assertTrue(is_alive(pid))
         return process, pid
@@ -247,18 +356,38 @@ class PosixEnding(KovadxTest):
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(PATIENCE), 5)
 
+    def test_a_request_ends_a_run_that_was_started_with_signals_held(self):
+        requests = {signal.SIGINT, signal.SIGTERM, signal.SIGHUP}
+        hold = lambda: signal.pthread_sigmask(signal.SIG_BLOCK, requests)
+        for number in requests:
+            with self.subTest(signal=number):
+                process, pid = self.run_until_up(self.SLEEPER, preexec_fn=hold)
+                process.send_signal(number)
+                self.assertEqual(process.wait(PATIENCE), 128 + signal.SIGINT)
+                self.assertFalse(is_alive(pid))
+
+    def test_an_interrupt_that_a_shell_wants_ignored_is_ignored_by_both(self):
+        process, pid = self.run_until_up(self.SLEEPER, preexec_fn=lambda: signal.signal(signal.SIGINT, signal.SIG_IGN))
+        for one in (process.pid, pid):
+            status = pathlib.Path(f"/proc/{one}/status").read_text()
+            ignored = int(status.partition("SigIgn:")[2].split()[0], 16)
+            self.assertTrue(ignored & (1 << (signal.SIGINT - 1)))
+        process.send_signal(signal.SIGTERM)
+        self.assertEqual(process.wait(PATIENCE), 128 + signal.SIGKILL)
+
     def test_the_program_does_not_outlive_a_killed_kovadx(self):
         process, pid = self.run_until_up(self.STUBBORN)
+        wait_until(lambda: list(self.pipes.glob("*xdapi")), "the pipe is there")
         process.kill()
         process.wait(PATIENCE)
         wait_until(lambda: not is_alive(pid), "the program ends")
-        for socket in self.pipes.glob("*xdapi"):
-            socket.unlink()  # The killed server's own: the next one of that name replaces it.
+        self.assertNotEqual(list(self.pipes.glob("*xdapi")), [])
+        self.assertEqual(self.kovadx("run", "--", "/bin/true")[0], 0)  # It takes away what the killed one has left.
 
 
 # What runs under an emulator too, and what needs a shell and signals of this system.
-PORTABLE = (CommandLine, Examples, Programs)
-POSIX = (PosixExamples, PosixPrograms, PosixEnding)
+PORTABLE = (Home, CommandLine, Examples, Programs)
+POSIX = (PosixExamples, PosixPrograms, PosixShortage, PosixEnding)
 
 
 def main():
@@ -268,6 +397,7 @@ def main():
     parser.add_argument("--emulator")
     parser.add_argument("--preload")
     options = parser.parse_args()
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job has it ignored.
     classes = PORTABLE if options.emulator else PORTABLE + POSIX
     loader = unittest.TestLoader()
     suite = unittest.TestSuite(loader.loadTestsFromTestCase(test_class) for test_class in classes)

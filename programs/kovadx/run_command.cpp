@@ -1,9 +1,12 @@
 #include "run_command.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <filesystem>
-#include <optional>
+#include <memory>
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "api/InitDxGlobal.h"
@@ -24,6 +27,8 @@ namespace {
 // The engine's own instance name: its trace file must not be the program's.
 constexpr const char* kEngineInstance = "KOVAENGINE";
 
+constexpr const char* kUsualTemporary = "/tmp";
+
 constexpr std::uint32_t kLookMs = 50;     // How often a wait for the program looks for an end request.
 constexpr std::uint32_t kOwnEndMs = 500;  // Ctrl-C at a terminal reaches the program too.
 constexpr std::uint32_t kAskedEndMs = 2000;
@@ -35,13 +40,21 @@ std::string withoutEndSeparator(std::string folder) {
   return folder;
 }
 
-std::string homeOf(const RunOptions& options) {
-  return withoutEndSeparator(options.home.empty() ? engine::folderOf(os::ProgramPath()) : options.home);
+// The home folder by its full path, since the program may change its own folder; empty when there is no such folder.
+std::string fullHome(const std::string& home) {
+  std::error_code absent;
+  const std::filesystem::path path = std::filesystem::absolute(os::NativePath(home), absent);
+  return !absent && std::filesystem::is_directory(path, absent) ? withoutEndSeparator(path.string()) : std::string();
 }
 
 std::string temporaryFolder() {
-  if (auto folder = os::GetEnvironment("KOVADXTEMP")) return *folder;
-  return withoutEndSeparator(std::filesystem::temp_directory_path().string());
+  const std::string chosen = os::GetEnvironment("KOVADXTEMP").value_or("");
+  if (!chosen.empty()) return chosen;
+  std::error_code absent;
+  std::filesystem::path folder = std::filesystem::temp_directory_path(absent);
+  // The variable that names it may name one that is not there.
+  if (absent) folder = std::filesystem::is_directory(kUsualTemporary, absent) ? kUsualTemporary : ".";
+  return withoutEndSeparator(std::filesystem::absolute(folder, absent).string());
 }
 
 // Where a platform's programs look for libraries besides their own folder.
@@ -59,12 +72,30 @@ os::ProcessStart programStart(const RunOptions& options, const std::string& home
   start.environment = {{"KOVA_HOME", home},
                        {"KOVA_XNAME", options.name},
                        {"KOVADXTEMP", temporaryFolder()},
+                       {"KOVA_PIPE_DIR", os::PipeFolder()},  // What the program makes of its environment may differ.
                        {libraryPathName(), libraryPath(home)}};
   start.endsWithParent = true;
   return start;
 }
 
+// What the first line of a script names; empty for any other program.
+std::string interpreterOf(const std::string& program) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(os::OpenFile(program, "r", nullptr), &std::fclose);
+  char area[256] = "";
+  if (file == nullptr || std::fgets(area, sizeof area, file.get()) == nullptr) return {};
+  const std::string line = area;
+  if (!line.starts_with("#!")) return {};
+  const std::size_t begin = std::min(line.find_first_not_of(" \t", 2), line.size());
+  return line.substr(begin, line.find_first_of(" \t\r\n", begin) - begin);
+}
+
 int reportNotStarted(const std::string& program, os::Error error) {
+  if (error == os::kFileNotFound && program.find_first_of("/\\") != std::string::npos && os::FileExists(program)) {
+    const std::string interpreter = interpreterOf(program);
+    printError("program can not be run: " + program + "; it is there, but not its interpreter" +
+               (interpreter.empty() ? "" : " " + interpreter));
+    return kNotRunnable;
+  }
   if (error == os::kFileNotFound) {
     printError("program not found: " + program + "; check its path, or PATH");
     return kNotFound;
@@ -106,6 +137,25 @@ void removeReplyPipe(const std::string& baseName) {
   pipe.CreatePipe();
 }
 
+// Why no pipe of that name can be made: what one more try meets.
+std::string whyNoPipe(const std::string& name) {
+  os::NativeHandle pipe = nullptr;
+  const os::Error error = os::CreateMessagePipe(name.c_str(), kPipeChunk, &pipe);
+  if (error == os::kSuccess) os::ClosePipeHandle(pipe);
+  std::string why = " (" + os::ErrorText(error) + ", error " + std::to_string(error) + ")";
+  if (error == os::kAccessDenied) why += "; check that the folder belongs to you alone";
+  if (error == os::kFileNotFound) why += "; check that the folder above it is there";
+  return why;
+}
+
+int reportNotServed(const std::string& pipe, int code) {
+  const std::string folder = os::PipeFolder();
+  const bool noPipe = code != static_cast<int>(os::kNotEnoughMemory);
+  printError("can not serve the program: its pipe " + pipe + " can not be made" +
+             (folder.empty() ? "" : " in the folder " + folder) + (noPipe ? whyNoPipe(pipe) : " for want of memory"));
+  return kOwnFailure;
+}
+
 int serve(engine::Engine* engine, const RunOptions& options, os::Process* program) {
   const std::string baseName = engine::XdapiServer::baseName(program->Id(), options.name, 0);
   engine::XdapiServer server(baseName,
@@ -115,9 +165,7 @@ int serve(engine::Engine* engine, const RunOptions& options, os::Process* progra
     program->Terminate();
     int ignored = 0;
     program->Wait(os::kWaitForever, &ignored);
-    printError("can not serve the program: its pipe " + baseName + "xdapi can not be made (code " +
-               std::to_string(started) + "); check that its folder belongs to you alone");
-    return kOwnFailure;
+    return reportNotServed(baseName + XPipes::XDAPI_PIPE, started);
   }
   const int exitCode = waitForProgram(program);
   server.stop();
@@ -151,14 +199,17 @@ class LibraryState {
 }  // namespace
 
 int runCommand(const RunOptions& options) {
-  const std::string home = homeOf(options);
-  if (!os::FileExists(home)) {
-    printError("no such home folder: " + home + "; give the folder that holds the library with --home");
+  const std::string named = options.home.empty() ? engine::folderOf(os::ProgramPath()) : options.home;
+  const std::string home = fullHome(named);
+  if (home.empty()) {
+    printError("no such home folder: " + named + "; give the folder that holds the library with --home");
     return kOwnFailure;
   }
   engine::Engine engine;
   if (!openData(options, &engine)) return kOwnFailure;
   const LibraryState library(home);
+  // A folder that is not as it should be is told of when the program is served.
+  os::SweepStalePipes(XPipes::XDAPI_PIPE);
   os::SetEndRequestHandler([] { endRequested = true; });
   os::Process program;
   const os::Error error = os::Process::Start(programStart(options, home), &program);

@@ -5,8 +5,8 @@
 #include "host/XManager.h"
 #include "platform/os/environment.h"
 #include "tests/api/client_test.h"
-#include "transport/KovaPipe.h"
 #include "transport/JavaPlugInSocket.h"
+#include "transport/KovaPipe.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"
 

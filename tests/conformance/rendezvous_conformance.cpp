@@ -1,4 +1,5 @@
 // How the two ends of a pipe come together, and how they part.
+#include <filesystem>
 #include <string>
 #include <thread>
 
@@ -7,6 +8,8 @@
 
 namespace kova::conformance {
 namespace {
+
+constexpr Error kInvalidName = 123;
 
 class Rendezvous : public SeamTest {
  protected:
@@ -144,6 +147,84 @@ TEST_F(Rendezvous, ClientsOfABusyServerWaitForTheirTurn) {
   EXPECT_THAT(served, testing::UnorderedElementsAre('0', '1', '2', '3'));
 }
 
+TEST_F(Rendezvous, AnOpenThatGivesUpNeverWaitsForAnEarlyClientsTurn) {
+  Pipe server;
+  Pipe early;
+  Pipe late;
+  ASSERT_EQ(server.create(name_), os::kSuccess);
+  ASSERT_EQ(early.open(name_, os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp), os::kSuccess);
+  EXPECT_EQ(late.open(name_, os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp), os::kPipeBusy);
+  EXPECT_EQ(late.get(), nullptr) << "untouched on failure";
+  EXPECT_EQ(server.accept(), os::kPipeConnected) << "the early client has its place";
+}
+
+TEST_F(Rendezvous, AnOpenThatGivesUpNeverWaitsBehindAnotherVisitor) {
+  Connection pipe(name_);
+  Pipe second;
+  Pipe third;
+  EXPECT_EQ(second.open(name_, os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp), kit::kBackend.openBehindClient);
+  EXPECT_EQ(third.open(name_, os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp), os::kPipeBusy);
+  EXPECT_EQ(third.get(), nullptr) << "untouched on failure";
+}
+
+// The open alone does not wait. Whether the reader waits already when it is written to is a race that it must not lose.
+TEST_F(Rendezvous, AnEndThatWasOpenedToGiveUpWaitsInItsReads) {
+  Pipe server;
+  Pipe client;
+  ASSERT_EQ(server.create(name_), os::kSuccess);
+  ASSERT_EQ(client.open(name_, os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp), os::kSuccess);
+  ASSERT_EQ(server.accept(), os::kPipeConnected);
+  for (int round = 0; round < 100; ++round) {
+    Received received;
+    std::thread reader([&] { received = receive(client); });
+    for (int i = 0; i < 10; ++i) std::this_thread::yield();
+    EXPECT_EQ(server.write("late"), os::kSuccess);
+    reader.join();
+    ASSERT_EQ(received, (Received{os::kSuccess, "late"})) << round;
+  }
+}
+
+TEST_F(Rendezvous, NoNameGives123) {
+  os::NativeHandle none = nullptr;
+  EXPECT_EQ(os::CreateMessagePipe(nullptr, kArea, &none), kInvalidName);
+  EXPECT_EQ(os::OpenPipe(nullptr, os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &none), kInvalidName);
+  EXPECT_EQ(os::AwaitServer(nullptr, 0), kInvalidName);
+  EXPECT_EQ(none, nullptr) << "untouched on failure";
+}
+
+TEST_F(Rendezvous, TheFolderOfThePipesIsToldByItsFullPath) {
+  const std::string folder = os::PipeFolder();
+  EXPECT_EQ(!folder.empty(), kit::kBackend.pipesHaveFolder);
+  EXPECT_TRUE(folder.empty() || std::filesystem::path(folder).is_absolute()) << folder;
+}
+
+KOVA_KIT_CHILD(leaves_pipe) {
+  Pipe left;
+  Pipe parent;
+  if (left.create(arguments.at(1)) != os::kSuccess || parent.open(arguments.at(0)) != os::kSuccess) return 1;
+  if (parent.write("here") != os::kSuccess) return 2;
+  receive(parent);
+  return 0;
+}
+
+// The check after each test sees a file that is left.
+TEST_F(Rendezvous, WhatAKilledProcessLeavesIsSweptAwayAndNothingElse) {
+  Pipe server;
+  ASSERT_EQ(server.create(name_), os::kSuccess);
+  os::Process child = kit::startChild("leaves_pipe", {name_, name_ + "left"});
+  ASSERT_TRUE(child);
+  server.accept();
+  ASSERT_EQ(receive(server), (Received{os::kSuccess, "here"}));
+  EXPECT_EQ(os::SweepStalePipes("kova_kit"), os::kSuccess);
+  EXPECT_EQ(os::AwaitServer((name_ + "left").c_str(), 0), os::kSuccess) << "it is in use";
+  ASSERT_EQ(child.Terminate(), os::kSuccess);
+  int code = 0;
+  ASSERT_EQ(child.Wait(os::kWaitForever, &code), os::kSuccess);
+  EXPECT_EQ(os::SweepStalePipes("kova_kit"), os::kSuccess);
+  EXPECT_NE(os::AwaitServer(name_.c_str(), 0), os::kFileNotFound) << "it still serves its name";
+  EXPECT_EQ(os::AwaitServer((name_ + "left").c_str(), 0), os::kFileNotFound);
+}
+
 TEST_F(Rendezvous, ASecondInstanceIsAMatterOfThePlatform) {
   Pipe first;
   Pipe second;
@@ -176,6 +257,21 @@ TEST_F(Rendezvous, DisconnectWithoutAClientSucceeds) {
   ASSERT_EQ(server.create(name_), os::kSuccess);
   EXPECT_EQ(server.disconnect(), os::kSuccess);
   EXPECT_EQ(server.disconnect(), os::kSuccess);
+}
+
+TEST_F(Rendezvous, DisconnectDoesNotEndAnAccept) {
+  Pipe server;
+  Pipe client;
+  ASSERT_EQ(server.create(name_), os::kSuccess);
+  Error accepted = os::kGeneralFailure;
+  std::thread acceptor([&] { accepted = server.accept(); });
+  for (int i = 0; i < 100; ++i) std::this_thread::yield();
+  EXPECT_EQ(server.disconnect(), os::kSuccess);
+  Error opened = os::kPipeBusy;
+  while (opened == os::kPipeBusy) opened = client.open(name_);
+  acceptor.join();
+  EXPECT_EQ(opened, os::kSuccess);
+  EXPECT_THAT(accepted, testing::AnyOf(os::kSuccess, os::kPipeConnected));
 }
 
 TEST_F(Rendezvous, ADisconnectedServerReads233) {

@@ -42,8 +42,9 @@ class Pipe {
   ~Pipe() { close(); }
 
   Error create(const std::string& name) { return os::CreateMessagePipe(name.c_str(), kArea, &handle_); }
-  Error open(const std::string& name, os::PipeAccess access = os::PipeAccess::ReadWrite) {
-    return os::OpenPipe(name.c_str(), access, &handle_);
+  Error open(const std::string& name, os::PipeAccess access = os::PipeAccess::ReadWrite,
+             os::WhenTaken whenTaken = os::WhenTaken::Wait) {
+    return os::OpenPipe(name.c_str(), access, whenTaken, &handle_);
   }
   Error accept() { return os::AcceptPeer(handle_); }
   Error disconnect() { return os::DisconnectPeer(handle_); }

@@ -7,10 +7,12 @@
 namespace kova::kit {
 
 struct BackendTraits {
-  os::Error secondInstance;           // CreateMessagePipe for a name that has a live server.
-  bool disconnectDropsUnread;         // DisconnectPeer takes back what the client has not read.
-  os::Error readAfterDisconnect;      // The client's read when the server has disconnected it (and all is read).
-  os::Error writeAfterDisconnect;     // The client's write then.
+  bool pipesHaveFolder;            // PipeFolder tells of one.
+  os::Error secondInstance;        // CreateMessagePipe for a name that has a live server.
+  os::Error openBehindClient;      // OpenPipe that never waits, when the server has a client and nobody waits for it.
+  bool disconnectDropsUnread;      // DisconnectPeer takes back what the client has not read.
+  os::Error readAfterDisconnect;   // The client's read when the server has disconnected it (and all is read).
+  os::Error writeAfterDisconnect;  // The client's write then.
   os::Error writeAfterOwnDisconnect;  // The server's own write then.
   os::Error lookAtEmptyMessage;       // TryReadMessage when a message of no bytes is there.
   int handleTolerance;                // How far the count of open handles may wander by itself.
@@ -28,7 +30,9 @@ struct BackendTraits {
 #if defined(KOVA_KIT_FAKE)
 // As Windows, but of one process: nothing else opens handles. It runs no files, so there is none of any name.
 constexpr BackendTraits kBackend = {
+    .pipesHaveFolder = false,
     .secondInstance = os::kSuccess,
+    .openBehindClient = os::kPipeBusy,
     .disconnectDropsUnread = true,
     .readAfterDisconnect = os::kPipeNotConnected,
     .writeAfterDisconnect = os::kNoData,
@@ -48,7 +52,9 @@ constexpr BackendTraits kBackend = {
 #elif defined(_WIN32)
 // A disconnected client is told so (233), a client whose server closed is told that the pipe has ended (109).
 constexpr BackendTraits kBackend = {
+    .pipesHaveFolder = false,
     .secondInstance = os::kSuccess,
+    .openBehindClient = os::kPipeBusy,
     .disconnectDropsUnread = true,
     .readAfterDisconnect = os::kPipeNotConnected,
     .writeAfterDisconnect = os::kPipeNotConnected,
@@ -68,7 +74,9 @@ constexpr BackendTraits kBackend = {
 #else
 // One instance a name. A packet that was sent can not be taken back.
 constexpr BackendTraits kBackend = {
+    .pipesHaveFolder = true,
     .secondInstance = os::kAccessDenied,
+    .openBehindClient = os::kSuccess,
     .disconnectDropsUnread = false,
     .readAfterDisconnect = os::kBrokenPipe,
     .writeAfterDisconnect = os::kNoData,

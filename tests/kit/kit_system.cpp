@@ -15,6 +15,7 @@ unsigned long realProcessId() { return GetCurrentProcessId(); }
 void makePipeFolder() {}
 void removePipeFolder() {}
 std::string leftPipeFiles() { return {}; }
+void takeInterrupts() {}
 bool hasChildLeft() { return false; }
 
 int systemHandleCount() {
@@ -26,6 +27,7 @@ int systemHandleCount() {
 
 #else
 #include <dirent.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -61,6 +63,8 @@ std::string leftPipeFiles() {
   }
   return names;
 }
+
+void takeInterrupts() { signal(SIGINT, SIG_DFL); }
 
 bool hasChildLeft() {
   siginfo_t info = {};

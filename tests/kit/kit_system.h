@@ -18,6 +18,10 @@ std::string leftPipeFiles();
 // How many descriptors or handles the system counts for this process; -1 when it does not tell.
 int systemHandleCount();
 
+// Has an interrupt end this program and the ones that it starts, also where a shell that runs the tests in the
+// background wants it ignored.
+void takeInterrupts();
+
 // True when this process has a child, running or ended, that nobody waited for.
 bool hasChildLeft();
 

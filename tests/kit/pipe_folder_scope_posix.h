@@ -1,12 +1,13 @@
 // For tests: a pipe folder of a test's own.
-#ifndef KOVADX_PLATFORM_POSIX_PIPE_FOLDER_SCOPE_POSIX_H
-#define KOVADX_PLATFORM_POSIX_PIPE_FOLDER_SCOPE_POSIX_H
+#ifndef KOVADX_TESTS_KIT_PIPE_FOLDER_SCOPE_POSIX_H
+#define KOVADX_TESTS_KIT_PIPE_FOLDER_SCOPE_POSIX_H
 
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
 #include "platform/os/environment.h"
+#include "platform/posix/pipe_address_posix.h"
 #include "tests/kit/kit.h"
 
 namespace kova::os {
@@ -24,8 +25,7 @@ class PipeFolderScope {
   PipeFolderScope(const PipeFolderScope&) = delete;
   PipeFolderScope& operator=(const PipeFolderScope&) = delete;
   ~PipeFolderScope() {
-    SetEnvironment("KOVA_PIPE_DIR", chosen_);
-    SetEnvironment("XDG_RUNTIME_DIR", runtime_);
+    use(chosen_, runtime_);
     std::filesystem::remove_all(place_);
   }
 
@@ -34,6 +34,7 @@ class PipeFolderScope {
   void use(const std::string& chosen, const std::string& runtime = "") {
     SetEnvironment("KOVA_PIPE_DIR", chosen);
     SetEnvironment("XDG_RUNTIME_DIR", runtime);
+    forgetPipeFolder();
   }
 
  private:

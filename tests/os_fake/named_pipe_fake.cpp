@@ -18,6 +18,8 @@ using fake::Call;
 
 namespace {
 
+constexpr Error kInvalidName = 123;
+
 // One way of a connection.
 struct Lane {
   std::deque<std::vector<char>> messages;
@@ -146,9 +148,21 @@ Error readMessage(Call& call, NativeHandle pipe, void* buffer, std::uint32_t siz
 
 }  // namespace
 
+std::string PipeFolder() {
+  const Call call("PipeFolder");
+  return {};
+}
+
+// A process that is ended takes its pipes with it.
+Error SweepStalePipes(const std::string& namePart) {
+  const Call call("SweepStalePipes", namePart.c_str());
+  return call.failure().value_or(kSuccess);
+}
+
 Error CreateMessagePipe(const char* name, std::uint32_t bufferSize, NativeHandle* out) {
   const Call call("CreateMessagePipe", name);
   if (call.failure()) return *call.failure();
+  if (!name) return kInvalidName;
   End* const end = newEnd(name);
   end->server = true;
   end->bufferSize = bufferSize;
@@ -199,14 +213,16 @@ Error ClosePipeHandle(NativeHandle pipe) {
 Error AwaitServer(const char* name, std::uint32_t timeoutMs) {
   Call call("AwaitServer", name);
   if (call.failure()) return *call.failure();
+  if (!name) return kInvalidName;
   const bool inTime = call.waitFor(timeoutMs, [&] { return !serverExists(name) || listeningServer(name); });
   if (!inTime) return kSemTimeout;
   return serverExists(name) ? kSuccess : kFileNotFound;
 }
 
-Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out) {
+Error OpenPipe(const char* name, PipeAccess access, WhenTaken, NativeHandle* out) {
   const Call call("OpenPipe", name);
   if (call.failure()) return *call.failure();
+  if (!name) return kInvalidName;
   if (!serverExists(name)) return kFileNotFound;
   End* const server = listeningServer(name);
   if (!server) return kPipeBusy;

@@ -37,7 +37,7 @@ class FakePipe : public OsFake {
   void SetUp() override {
     OsFake::SetUp();
     ASSERT_EQ(os::CreateMessagePipe(kName, 8192, &server_), os::kSuccess);
-    ASSERT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, &client_), os::kSuccess);
+    ASSERT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &client_), os::kSuccess);
   }
   void TearDown() override {
     os::ClosePipeHandle(client_);
@@ -233,11 +233,11 @@ TEST_F(FakePipe, WriterWaitsUntilTheUnreadFitsThePipe) {
 TEST_F(FakePipe, TakesOneClientAnInstanceAndSeesBusyFromOutside) {
   os::NativeHandle second = nullptr;
   os::NativeHandle other = nullptr;
-  EXPECT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, &other), os::kPipeBusy);
+  EXPECT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &other), os::kPipeBusy);
   EXPECT_EQ(os::AwaitServer(kName, 10), os::kSemTimeout);
   ASSERT_EQ(os::CreateMessagePipe(kName, 8192, &second), os::kSuccess);
   EXPECT_EQ(os::AwaitServer(kName, os::kWaitForever), os::kSuccess);
-  ASSERT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, &other), os::kSuccess);
+  ASSERT_EQ(os::OpenPipe(kName, os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &other), os::kSuccess);
   EXPECT_EQ(openPipeEnds(kName), 4u);
   os::ClosePipeHandle(other);
   os::ClosePipeHandle(second);
@@ -321,7 +321,8 @@ TEST_F(OsFake, ATerminatedBodyLosesItsPipes) {
     os::NativeHandle pipe = nullptr;
     std::uint32_t read = 0;
     char area = 0;
-    while (os::OpenPipe(kName, os::PipeAccess::ReadWrite, &pipe) != os::kSuccess) os::YieldThread();
+    while (os::OpenPipe(kName, os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &pipe) != os::kSuccess)
+      os::YieldThread();
     os::ReadMessage(pipe, &area, 1, &read);
     return 0;
   });

@@ -9,6 +9,7 @@
 #define KOVADX_PLATFORM_OS_NAMED_PIPE_H
 
 #include <cstdint>
+#include <string>
 
 #include "platform/os/error.h"
 
@@ -18,10 +19,21 @@ using NativeHandle = void*;
 
 enum class PipeAccess { Read, ReadWrite };
 
+// What a client does that finds all server ends taken.
+enum class WhenTaken { Wait, GiveUp };
+
+// The folder, by its full path, in which this platform keeps what stands for the pipes; empty where pipes need none.
+// Both processes of a conversation must come to the same one, and none changes it once it has used a pipe.
+std::string PipeFolder();
+
+// Takes away what processes that were killed left of their pipes: those of this user whose names have that part in them
+// (a name so long that the platform shortens it is passed over). Pipes in use stay. 0 also where nothing is ever left.
+Error SweepStalePipes(const std::string& namePart);
+
 // Makes a server end: message type, blocking, duplex, of that buffer size. From its birth on it takes in one client and
 // that client's first bufferSize bytes. 5 when the name is another user's, when its folder is not the user's alone, or,
 // where a platform allows one instance only, when a live server has the name; 206 when no name of that length can be
-// made.
+// made; 123 for no name at all.
 Error CreateMessagePipe(const char* name, std::uint32_t bufferSize, NativeHandle* out);
 
 // Server end: waits for a client. 535 when it came first, 0 when it came during the wait, 995 when cancelled.
@@ -29,6 +41,7 @@ Error AcceptPeer(NativeHandle pipe);
 
 // Server end: drops the client; the end can accept again. 0 also without a client. What the client has not read is lost
 // where the platform can take it back; elsewhere the client reads that first and is then told that the pipe has ended.
+// An AcceptPeer under way goes on, and where a platform can not tell, a client that comes at that very moment stays.
 Error DisconnectPeer(NativeHandle pipe);
 
 // Frees the end. A server end takes its name with it, a client end nothing. Afterwards the handle is gone.
@@ -40,9 +53,10 @@ Error ClosePipeHandle(NativeHandle pipe);
 constexpr std::uint32_t kWaitForever = 0xFFFFFFFF;
 Error AwaitServer(const char* name, std::uint32_t timeoutMs);
 
-// Makes a client end. 2 when nobody listens, 231 when all server ends are taken (or waits for one, see AwaitServer), 5
-// when the server is another user's. The server can learn who the client is, but not act as the client.
-Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out);
+// Makes a client end. 2 when nobody listens, 231 when all server ends are taken, 5 when the server is another user's.
+// With WhenTaken::Wait, a platform on which AwaitServer can not see "busy" waits here instead of giving 231; with
+// GiveUp the call never waits. The server can learn who the client is, but not act as the client.
+Error OpenPipe(const char* name, PipeAccess access, WhenTaken whenTaken, NativeHandle* out);
 
 // Reads return whole messages (the state of a new end). 233 when the peer has gone; a
 // platform that would need a system call to see that may leave it to the next read or write.

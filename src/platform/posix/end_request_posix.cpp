@@ -11,6 +11,7 @@
 
 #include "platform/os/process.h"
 #include "platform/posix/error_posix.h"
+#include "platform/posix/ignored_signal_posix.h"
 
 namespace kova::os {
 namespace {
@@ -44,7 +45,16 @@ void onSignal(int) {
   errno = before;
 }
 
+// The program may have been started with these signals held; then nothing but this thread would ever get them.
+void letRequestsIn() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int number : kRequests) sigaddset(&set, number);
+  pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+}
+
 void* deliver(void*) {
+  letRequestsIn();
   for (;;) {
     while (sem_wait(&requests().arrived) != 0) {
     }
@@ -63,8 +73,7 @@ Error install(Requests& state) {
   action.sa_flags = SA_RESTART;
   for (std::size_t i = 0; i < kRequestCount; ++i) {
     sigaction(kRequests[i], nullptr, &state.before[i]);
-    // A hang-up that is ignored stays so: that is what nohup asked for.
-    if (kRequests[i] == SIGHUP && state.before[i].sa_handler == SIG_IGN) continue;
+    if (staysIgnored(kRequests[i], state.before[i])) continue;
     sigaction(kRequests[i], &action, nullptr);
   }
   state.installed = true;

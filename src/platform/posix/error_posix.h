@@ -2,6 +2,8 @@
 #ifndef KOVADX_PLATFORM_POSIX_ERROR_POSIX_H
 #define KOVADX_PLATFORM_POSIX_ERROR_POSIX_H
 
+#include <new>
+
 #include "platform/os/error.h"
 
 namespace kova::os {
@@ -16,6 +18,16 @@ Error errorOfErrno(int number);
 
 // The Windows number of this thread's errno.
 Error lastError();
+
+// The body's result, or 8 when it finds no memory: the seam's language is error numbers.
+template <class Body>
+Error orNoMemory(Body body) {
+  try {
+    return body();
+  } catch (const std::bad_alloc&) {
+    return kNotEnoughMemory;
+  }
+}
 
 }  // namespace kova::os
 

@@ -44,11 +44,13 @@ std::FILE* OpenFile(const std::string& path, const char* mode, Error* error) {
 bool FileExists(const std::string& path) { return access(NativePath(path).c_str(), F_OK) == 0; }
 
 Error DeletePlainFile(const std::string& path) {
-  const std::string native = NativePath(path);
-  struct stat status = {};
-  if (lstat(native.c_str(), &status) != 0) return lastError();
-  if (!S_ISREG(status.st_mode)) return kAccessDenied;
-  return unlink(native.c_str()) == 0 ? kSuccess : lastError();
+  return orNoMemory([&] {
+    const std::string native = NativePath(path);
+    struct stat status = {};
+    if (lstat(native.c_str(), &status) != 0) return lastError();
+    if (!S_ISREG(status.st_mode)) return kAccessDenied;
+    return unlink(native.c_str()) == 0 ? kSuccess : lastError();
+  });
 }
 
 std::string ProgramPath() {

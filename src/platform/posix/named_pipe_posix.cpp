@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "platform/posix/error_posix.h"
 #include "platform/posix/pipe_address_posix.h"
 #include "platform/posix/pipe_end_posix.h"
 
@@ -17,11 +18,27 @@ bool isHandle(NativeHandle pipe) { return pipe != nullptr && reinterpret_cast<st
 
 }  // namespace
 
+std::string PipeFolder() { return pipeFolder(); }
+
+Error SweepStalePipes(const std::string& namePart) {
+  return orNoMemory([&] {
+    const std::string folder = pipeFolder();
+    const uid_t user = geteuid();
+    FolderLock lock;
+    Error error = checkPipeFolder(folder, user);
+    if (error == kSuccess) error = lockPipeFolder(folder, user, &lock);
+    if (error == kSuccess) removeStaleFiles(folder, user, namePart);
+    return error == kFileNotFound ? kSuccess : error;
+  });
+}
+
 Error CreateMessagePipe(const char* name, std::uint32_t, NativeHandle* out) {
-  auto end = std::make_unique<PipeEnd>();
-  const Error error = end->serve(name);
-  if (error == kSuccess) *out = end.release();
-  return error;
+  return orNoMemory([&] {
+    auto end = std::make_unique<PipeEnd>();
+    const Error error = end->serve(name);
+    if (error == kSuccess) *out = end.release();
+    return error;
+  });
 }
 
 Error AcceptPeer(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->accept() : kInvalidHandle; }
@@ -35,18 +52,22 @@ Error ClosePipeHandle(NativeHandle pipe) {
 }
 
 Error AwaitServer(const char* name, std::uint32_t) {
-  const std::string folder = pipeFolder();
-  sockaddr_un address;
-  Error error = pipeAddress(folder, name, &address);
-  if (error == kSuccess) error = checkPipeFolder(folder, geteuid());
-  return error == kSuccess ? probeServer(address) : error;
+  return orNoMemory([&] {
+    const std::string folder = pipeFolder();
+    sockaddr_un address;
+    Error error = pipeAddress(folder, name, &address);
+    if (error == kSuccess) error = checkPipeFolder(folder, geteuid());
+    return error == kSuccess ? probeServer(address) : error;
+  });
 }
 
-Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out) {
-  auto end = std::make_unique<PipeEnd>();
-  const Error error = end->open(name, access == PipeAccess::ReadWrite);
-  if (error == kSuccess) *out = end.release();
-  return error;
+Error OpenPipe(const char* name, PipeAccess access, WhenTaken whenTaken, NativeHandle* out) {
+  return orNoMemory([&] {
+    auto end = std::make_unique<PipeEnd>();
+    const Error error = end->open(name, access == PipeAccess::ReadWrite, whenTaken);
+    if (error == kSuccess) *out = end.release();
+    return error;
+  });
 }
 
 Error SetMessageReadMode(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->messageMode() : kInvalidHandle; }

@@ -1,12 +1,18 @@
 #include "platform/posix/pipe_address_posix.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/posix/error_posix.h"
 #include "platform/posix/socket_file_posix.h"
@@ -23,6 +29,30 @@ TEST(PipeFolder, IsTheChosenOneThenTheRuntimesThenTheUsers) {
   EXPECT_EQ(pipeFolder(), "/run/user/7/kova");
   scope.use("", "");
   EXPECT_EQ(pipeFolder(), "/tmp/kova-" + std::to_string(geteuid()));
+}
+
+TEST(PipeFolder, IsAFullPathWithoutASeparatorAtItsEnd) {
+  PipeFolderScope scope;
+  const std::string here = std::filesystem::current_path().string();
+  for (const auto& [chosen, folder] : {std::pair<std::string, std::string>{"/chosen/", "/chosen"},
+                                       {"/chosen//", "/chosen"},
+                                       {"/chosen/.", "/chosen"},
+                                       {"/chosen/./", "/chosen"},
+                                       {"/", "/"},
+                                       {"pipes", here + "/pipes"},
+                                       {"../pipes/", here + "/../pipes"},
+                                       {".", here}}) {
+    scope.use(chosen);
+    EXPECT_EQ(pipeFolder(), folder) << chosen;
+  }
+}
+
+TEST(PipeFolder, IsReadFromTheEnvironmentOnce) {
+  PipeFolderScope scope;
+  scope.use("/first");
+  EXPECT_EQ(pipeFolder(), "/first");
+  SetEnvironment("KOVA_PIPE_DIR", "/second");
+  EXPECT_EQ(pipeFolder(), "/first");
 }
 
 TEST(NameHash, IsFnv1a64) {
@@ -77,7 +107,7 @@ TEST(PipeAddressOfNoName, IsRefused) {
 class Folders : public testing::Test {
  protected:
   Error lock() {
-    Descriptor ignored;
+    FolderLock ignored;
     return lockPipeFolder(scope_.folder(), geteuid(), &ignored);
   }
   Error check() const { return checkPipeFolder(scope_.folder(), geteuid()); }
@@ -93,6 +123,31 @@ TEST_F(Folders, AnAbsentOneIsMadeForTheUserAlone) {
   ASSERT_EQ(lstat(scope_.folder().c_str(), &status), 0);
   EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFDIR | 0700));
   EXPECT_EQ(lock(), kSuccess) << "one that is there is taken";
+}
+
+TEST_F(Folders, AreMadeForTheUserWhateverTheMaskTakes) {
+  const mode_t before = umask(0777);
+  const Error locked = lock();
+  umask(before);
+  EXPECT_EQ(locked, kSuccess);
+  EXPECT_EQ(check(), kSuccess);
+}
+
+// A child that another thread forks just then has a copy of the lock's descriptor.
+TEST_F(Folders, AreLockedNoLongerThanTheLockLives) {
+  pid_t copy = -1;
+  {
+    FolderLock held;
+    ASSERT_EQ(lockPipeFolder(scope_.folder(), geteuid(), &held), kSuccess);
+    copy = fork();
+    if (copy == 0) {
+      for (;;) pause();
+    }
+  }
+  const Descriptor folder(open(scope_.folder().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  EXPECT_EQ(flock(folder.get(), LOCK_EX | LOCK_NB), 0);
+  kill(copy, SIGKILL);
+  EXPECT_EQ(waitpid(copy, nullptr, 0), copy);
 }
 
 TEST_F(Folders, OfAnotherModeAreRefused) {
@@ -121,7 +176,7 @@ TEST_F(Folders, ThatAreFilesAreRefused) {
 
 TEST_F(Folders, OfAnotherUserAreRefused) {
   ASSERT_EQ(lock(), kSuccess);
-  Descriptor ignored;
+  FolderLock ignored;
   EXPECT_EQ(checkPipeFolder(scope_.folder(), geteuid() + 1), kAccessDenied);
   EXPECT_EQ(lockPipeFolder(scope_.folder(), geteuid() + 1, &ignored), kAccessDenied);
   EXPECT_FALSE(ignored);
@@ -151,7 +206,7 @@ class SocketFiles : public testing::Test {
   bool exists() const { return access(address_.sun_path, F_OK) == 0; }
 
   PipeFolderScope scope_;
-  Descriptor lock_;
+  FolderLock lock_;
   sockaddr_un address_ = {};
 };
 
@@ -212,6 +267,39 @@ TEST_F(SocketFiles, AreTakenAwayOnlyByTheirOwner) {
     ASSERT_EQ(successor.create(address_, geteuid(), &secondListener), kSuccess);
   }
   EXPECT_TRUE(exists()) << "the file is the successor's";
+}
+
+TEST_F(SocketFiles, AreNotTakenAwayByAForkedCopyOfTheirOwner) {
+  auto file = std::make_unique<SocketFile>();
+  Descriptor listener;
+  ASSERT_EQ(file->create(address_, geteuid(), &listener), kSuccess);
+  const pid_t copy = fork();
+  if (copy == 0) {
+    file.reset();
+    _exit(0);
+  }
+  EXPECT_EQ(waitpid(copy, nullptr, 0), copy);
+  EXPECT_TRUE(exists());
+}
+
+TEST_F(SocketFiles, ThatNobodyServesAreSweptAwayByAPartOfTheirName) {
+  leaveStale();
+  removeStaleFiles(scope_.folder(), geteuid(), "other");
+  EXPECT_TRUE(exists()) << "another name";
+  removeStaleFiles(scope_.folder(), geteuid() + 1, "il");
+  EXPECT_TRUE(exists()) << "another user's";
+  removeStaleFiles(scope_.folder(), geteuid(), "il");
+  EXPECT_FALSE(exists());
+  std::fclose(std::fopen(address_.sun_path, "w"));
+  removeStaleFiles(scope_.folder(), geteuid(), "il");
+  EXPECT_TRUE(exists()) << "no socket";
+  unlink(address_.sun_path);
+  SocketFile file;
+  Descriptor listener;
+  ASSERT_EQ(file.create(address_, geteuid(), &listener), kSuccess);
+  removeStaleFiles(scope_.folder(), geteuid(), "il");
+  EXPECT_TRUE(exists()) << "served";
+  removeStaleFiles(scope_.place() + "/absent", geteuid(), "il");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/posix/pipe_end_posix.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
@@ -30,12 +31,17 @@ void widenBuffer(int connection) {
   setsockopt(connection, SOL_SOCKET, SO_SNDBUF, &kLeastBuffer, sizeof kLeastBuffer);
 }
 
-Error connectTo(const sockaddr_un& address, int socket) {
+// Waits while the server's queue is full, or gives 231 then.
+Error connectTo(const sockaddr_un& address, int socket, WhenTaken whenTaken) {
   const auto* plain = reinterpret_cast<const sockaddr*>(&address);
+  const int flags = fcntl(socket, F_GETFL);
+  const bool mayWait = whenTaken == WhenTaken::Wait;
+  if (!mayWait && fcntl(socket, F_SETFL, flags | O_NONBLOCK) != 0) return lastError();
   while (connect(socket, plain, sizeof address) != 0) {
+    if (errno == EAGAIN) return kPipeBusy;
     if (errno != EINTR) return lastError();
   }
-  return kSuccess;
+  return mayWait || fcntl(socket, F_SETFL, flags) == 0 ? kSuccess : lastError();
 }
 
 // Tells a packet of no bytes, after which the connection lives or more is there to read, from the end of the
@@ -58,13 +64,13 @@ Error PipeEnd::serve(const char* name) {
   wake_ = Descriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
   if (!wake_) return lastError();
   // Until the socket listens, another creator must not take its file for a stale one.
-  Descriptor lock;
+  FolderLock lock;
   error = lockPipeFolder(folder, user, &lock);
   if (error != kSuccess) return error;
   return file_.create(address, user, &listener_);
 }
 
-Error PipeEnd::open(const char* name, bool mayWrite) {
+Error PipeEnd::open(const char* name, bool mayWrite, WhenTaken whenTaken) {
   const std::string folder = pipeFolder();
   const uid_t user = geteuid();
   sockaddr_un address;
@@ -73,7 +79,7 @@ Error PipeEnd::open(const char* name, bool mayWrite) {
   if (error != kSuccess) return error;
   connection_ = Descriptor(socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0));
   if (!connection_) return lastError();
-  error = connectTo(address, connection_.get());
+  error = connectTo(address, connection_.get(), whenTaken);
   if (error == kSuccess) error = checkPeer(connection_.get(), user);
   if (error != kSuccess) return error;
   widenBuffer(connection_.get());
@@ -93,6 +99,8 @@ Error PipeEnd::accept() {
     error = waitForClient();
     if (error == kSuccess) error = takeClient();
   }
+  // A client that could not be taken in keeps its place: the disconnect that makes ready for the next accept leaves it.
+  if (error != kSuccess) state_ = State::Disconnected;
   return error;
 }
 

@@ -11,6 +11,7 @@
 #include <mutex>
 
 #include "platform/os/error.h"
+#include "platform/os/named_pipe.h"
 #include "platform/posix/descriptor_posix.h"
 #include "platform/posix/socket_file_posix.h"
 
@@ -26,7 +27,7 @@ class PipeEnd {
 
   // Makes it a server end of that name, or a client end. To be called once, before anything else.
   Error serve(const char* name);
-  Error open(const char* name, bool mayWrite);
+  Error open(const char* name, bool mayWrite, WhenTaken whenTaken);
 
   // The functions of named_pipe.h, with their contracts.
   Error accept();

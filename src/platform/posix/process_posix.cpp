@@ -14,6 +14,7 @@
 
 #include "platform/posix/descriptor_posix.h"
 #include "platform/posix/error_posix.h"
+#include "platform/posix/ignored_signal_posix.h"
 #include "platform/posix/monotonic_posix.h"
 #include "platform/posix/program_image_posix.h"
 
@@ -71,6 +72,16 @@ Abandoned& abandoned() {
   return *theAbandoned;
 }
 
+// A program may be started with the ends of its children ignored. The system then forgets their exit codes.
+void keepExitCodes() {
+  struct sigaction present = {};
+  if (sigaction(SIGCHLD, nullptr, &present) != 0) return;
+  if (present.sa_handler != SIG_IGN && (present.sa_flags & SA_NOCLDWAIT) == 0) return;
+  if (present.sa_handler == SIG_IGN) present.sa_handler = SIG_DFL;
+  present.sa_flags &= ~SA_NOCLDWAIT;
+  sigaction(SIGCHLD, &present, nullptr);
+}
+
 // All signals wait while a process is forked: a handler of this program must not run in the child.
 class SignalsHeld {
  public:
@@ -87,14 +98,13 @@ class SignalsHeld {
   sigset_t before_;
 };
 
-// The child starts with every signal at its default and none held. A hang-up that is ignored stays so: that is what
-// nohup asked for.
+// The child starts with every signal at its default and none held, save for those that are to stay ignored.
 void resetSignals() {
   struct sigaction plain = {};
   plain.sa_handler = SIG_DFL;
   for (int number = 1; number < NSIG; ++number) {
     struct sigaction present = {};
-    if (number == SIGHUP && sigaction(number, nullptr, &present) == 0 && present.sa_handler == SIG_IGN) continue;
+    if (sigaction(number, nullptr, &present) == 0 && staysIgnored(number, present)) continue;
     sigaction(number, &plain, nullptr);
   }
   sigset_t none;
@@ -162,6 +172,7 @@ Process::~Process() {
 
 Error Process::Start(const ProcessStart& start, Process* out) {
   abandoned().collectEnded();
+  keepExitCodes();
   const ProgramImage image(start);
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) return lastError();

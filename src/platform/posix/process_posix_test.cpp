@@ -8,9 +8,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdio>
 #include <string>
 
+#include "platform/os/clock.h"
 #include "platform/os/environment.h"
 #include "platform/os/named_pipe.h"
 #include "platform/posix/descriptor_posix.h"
@@ -140,6 +142,95 @@ TEST(PosixProcess, AChildBeginsWithPlainSignals) {
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
+constexpr int kMayBeIgnored[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE};
+
+constexpr int kHangUpBit = 1;
+constexpr int kInterruptBit = 2;
+constexpr int kQuitBit = 4;
+
+// Tells which of them it ignores, a bit each.
+KOVA_KIT_CHILD(tells_ignored) {
+  int ignored = 0;
+  int bit = 1;
+  for (const int number : kMayBeIgnored) {
+    struct sigaction present = {};
+    sigaction(number, nullptr, &present);
+    if (present.sa_handler == SIG_IGN) ignored |= bit;
+    bit *= 2;
+  }
+  return ignored;
+}
+
+// As a shell starts what it runs in the background, and nohup anything.
+KOVA_KIT_CHILD(starts_while_ignoring) {
+  for (const int number : kMayBeIgnored) signal(number, SIG_IGN);
+  return kit::runChild("tells_ignored");
+}
+
+TEST(PosixProcess, WhatABackgroundProgramIgnoresItsChildrenIgnoreToo) {
+  EXPECT_EQ(kit::runChild("starts_while_ignoring"), kHangUpBit + kInterruptBit + kQuitBit);
+}
+
+std::atomic<bool> endRequested{false};
+
+KOVA_KIT_CHILD(takes_requests_while_ignoring) {
+  signal(SIGINT, SIG_IGN);
+  signal(SIGHUP, SIG_IGN);
+  if (SetEndRequestHandler([] { endRequested = true; }) != kSuccess) return 100;
+  const int ignored = kit::runChild("tells_ignored");
+  raise(SIGTERM);
+  while (!endRequested) YieldThread();
+  return ignored;
+}
+
+TEST(PosixProcess, ARequestThatIsIgnoredStaysSo) {
+  EXPECT_EQ(kit::runChild("takes_requests_while_ignoring"), kHangUpBit + kInterruptBit);
+}
+
+KOVA_KIT_CHILD(takes_requests_while_holding) {
+  sigset_t all;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, nullptr);
+  if (SetEndRequestHandler([] { endRequested = true; }) != kSuccess) return 1;
+  NativeHandle pipe = nullptr;
+  if (OpenPipe(arguments.at(0).c_str(), PipeAccess::ReadWrite, WhenTaken::Wait, &pipe) != kSuccess) return 2;
+  while (!endRequested) YieldThread();
+  return 33;
+}
+
+TEST(PosixProcess, ARequestReachesAProgramThatWasStartedWithSignalsHeld) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    const std::string name = kit::scratchName();
+    NativeHandle server = nullptr;
+    ASSERT_EQ(CreateMessagePipe(name.c_str(), 8192, &server), kSuccess);
+    Process child = kit::startChild("takes_requests_while_holding", {name});
+    AcceptPeer(server);
+    ASSERT_EQ(kill(static_cast<pid_t>(child.Id()), number), 0);
+    EXPECT_EQ(kit::waitForChild(child), 33) << number;
+    ClosePipeHandle(server);
+  }
+}
+
+KOVA_KIT_CHILD(starts_while_ignoring_ends) {
+  signal(SIGCHLD, SIG_IGN);
+  return kit::runChild("exits_plainly");
+}
+
+KOVA_KIT_CHILD(starts_while_forgetting_ends) {
+  struct sigaction forgetting = {};
+  forgetting.sa_handler = [](int) {};
+  forgetting.sa_flags = SA_NOCLDWAIT;
+  sigaction(SIGCHLD, &forgetting, nullptr);
+  const int code = kit::runChild("exits_plainly");
+  sigaction(SIGCHLD, nullptr, &forgetting);
+  return forgetting.sa_handler == SIG_DFL ? 100 : code;
+}
+
+TEST(PosixProcess, TheEndIsKnownWhereEndsOfChildrenAreIgnored) {
+  EXPECT_EQ(kit::runChild("starts_while_ignoring_ends"), 3);
+  EXPECT_EQ(kit::runChild("starts_while_forgetting_ends"), 3);
+}
+
 KOVA_KIT_CHILD(ends_by_signal) {
   raise(std::stoi(arguments.at(0)));
   return 0;
@@ -163,7 +254,7 @@ TEST(PosixProcess, NoStrangerIsWaitedFor) {
 
 KOVA_KIT_CHILD(waits_for_pipe_end) {
   NativeHandle pipe = nullptr;
-  if (OpenPipe(arguments.at(0).c_str(), PipeAccess::ReadWrite, &pipe) != kSuccess) return 1;
+  if (OpenPipe(arguments.at(0).c_str(), PipeAccess::ReadWrite, WhenTaken::Wait, &pipe) != kSuccess) return 1;
   char area = 0;
   std::uint32_t count = 0;
   ReadMessage(pipe, &area, 1, &count);

@@ -31,6 +31,7 @@ Error SocketFile::create(const sockaddr_un& address, uid_t user, Descriptor* lis
   struct stat status = {};
   if (lstat(address.sun_path, &status) != 0) return lastError();
   bound_ = true;
+  process_ = getpid();
   address_ = address;
   device_ = status.st_dev;
   file_ = status.st_ino;
@@ -41,7 +42,7 @@ Error SocketFile::create(const sockaddr_un& address, uid_t user, Descriptor* lis
 }
 
 SocketFile::~SocketFile() {
-  if (!bound_) return;
+  if (!bound_ || process_ != getpid()) return;
   struct stat status = {};
   if (lstat(address_.sun_path, &status) != 0) return;
   if (status.st_dev == device_ && status.st_ino == file_) unlink(address_.sun_path);

@@ -11,7 +11,7 @@
 namespace kova::os {
 
 // Owns a socket file that this process bound, and takes it away when destroyed: that file alone, not another that has
-// come to bear its name.
+// come to bear its name. A forked copy of the process takes nothing away.
 class SocketFile {
  public:
   SocketFile() = default;
@@ -25,6 +25,7 @@ class SocketFile {
 
  private:
   bool bound_ = false;
+  pid_t process_ = 0;
   sockaddr_un address_ = {};
   dev_t device_ = 0;
   ino_t file_ = 0;

@@ -116,7 +116,13 @@ Error readWithoutWaiting(HANDLE handle, void* buffer, std::uint32_t size, std::u
 
 }  // namespace
 
+// The system keeps pipes in a place of its own, and takes them away with the process that made them.
+std::string PipeFolder() { return {}; }
+
+Error SweepStalePipes(const std::string&) { return kSuccess; }
+
 Error CreateMessagePipe(const char* name, std::uint32_t bufferSize, NativeHandle* out) {
+  if (name == nullptr) return ERROR_INVALID_NAME;
   if (std::strlen(name) > kLongestName) return kFileNameTooLong;
   const HANDLE handle =
       CreateNamedPipeA(name, PIPE_ACCESS_DUPLEX, PIPE_TYPE_MESSAGE | PIPE_READMODE_MESSAGE | PIPE_WAIT,
@@ -138,7 +144,7 @@ Error DisconnectPeer(NativeHandle pipe) {
   Pipe* const end = pipeOf(pipe);
   {
     const std::lock_guard<std::mutex> lock(end->guard);
-    if (end->wait == Wait::Accept) return kSuccess;  // No client yet.
+    if (end->wait == Wait::Accept) return kSuccess;  // No client yet; one that comes just now stays.
     end->disconnecting = true;
   }
   endBlockingCall(end);
@@ -156,12 +162,15 @@ Error ClosePipeHandle(NativeHandle pipe) {
 }
 
 Error AwaitServer(const char* name, std::uint32_t timeoutMs) {
+  if (name == nullptr) return ERROR_INVALID_NAME;
   // 0 would stand for the server's own limit, which is none.
   const DWORD limit = timeoutMs == 0 ? NMPWAIT_NOWAIT : timeoutMs;
   return resultOf(WaitNamedPipeA(name, limit));
 }
 
-Error OpenPipe(const char* name, PipeAccess access, NativeHandle* out) {
+// A taken name is refused at once, whatever the caller would like: AwaitServer has waited.
+Error OpenPipe(const char* name, PipeAccess access, WhenTaken, NativeHandle* out) {
+  if (name == nullptr) return ERROR_INVALID_NAME;
   // A reader needs the attributes to choose its read mode.
   const DWORD rights = access == PipeAccess::Read ? GENERIC_READ | FILE_WRITE_ATTRIBUTES : GENERIC_READ | GENERIC_WRITE;
   const DWORD quality = SECURITY_SQOS_PRESENT | SECURITY_IDENTIFICATION;

@@ -57,34 +57,6 @@ class StandardStreams {
   DWORD count_ = 0;
 };
 
-// The list that limits a child to the streams' handles.
-class HandleList {
- public:
-  explicit HandleList(StandardStreams& streams) {
-    if (streams.count() == 0) return;
-    SIZE_T size = 0;
-    InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
-    memory_ = std::make_unique<char[]>(size);
-    const auto list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory_.get());
-    if (!InitializeProcThreadAttributeList(list, 1, 0, &size)) return;
-    list_ = list;
-    UpdateProcThreadAttribute(list_, 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, streams.list(),
-                              streams.count() * sizeof(HANDLE), nullptr, nullptr);
-  }
-  HandleList(const HandleList&) = delete;
-  HandleList& operator=(const HandleList&) = delete;
-  ~HandleList() {
-    if (list_ != nullptr) DeleteProcThreadAttributeList(list_);
-  }
-
-  // Null when there is no stream to hand over; nothing must be inherited then.
-  LPPROC_THREAD_ATTRIBUTE_LIST get() const { return list_; }
-
- private:
-  std::unique_ptr<char[]> memory_;
-  LPPROC_THREAD_ATTRIBUTE_LIST list_ = nullptr;
-};
-
 // The job whose processes end with this one: its only handle stays open until the system closes it then.
 HANDLE jobThatEndsWithUs() {
   static const HANDLE job = [] {
@@ -97,31 +69,58 @@ HANDLE jobThatEndsWithUs() {
   return job;
 }
 
+// What a child is born with: the streams' handles and no other, and the job that ends it with this process. A child
+// that were put into the job afterwards would outlive a parent that is killed just before.
+class BirthAttributes {
+ public:
+  BirthAttributes() {
+    SIZE_T size = 0;
+    InitializeProcThreadAttributeList(nullptr, kMost, 0, &size);
+    memory_ = std::make_unique<char[]>(size);
+    const auto list = reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(memory_.get());
+    if (InitializeProcThreadAttributeList(list, kMost, 0, &size)) list_ = list;
+  }
+  BirthAttributes(const BirthAttributes&) = delete;
+  BirthAttributes& operator=(const BirthAttributes&) = delete;
+  ~BirthAttributes() {
+    if (list_ != nullptr) DeleteProcThreadAttributeList(list_);
+  }
+
+  // The handles must live until the child is there.
+  Error add(DWORD_PTR kind, HANDLE* handles, DWORD count) {
+    if (list_ == nullptr) return kNotEnoughMemory;
+    return resultOf(UpdateProcThreadAttribute(list_, 0, kind, handles, count * sizeof(HANDLE), nullptr, nullptr));
+  }
+  LPPROC_THREAD_ATTRIBUTE_LIST get() const { return list_; }
+
+ private:
+  static constexpr DWORD kMost = 2;
+
+  std::unique_ptr<char[]> memory_;
+  LPPROC_THREAD_ATTRIBUTE_LIST list_ = nullptr;
+};
+
 Error create(const ProcessStart& start, PROCESS_INFORMATION* created) {
   StandardStreams streams;
-  const HandleList handles(streams);
+  HANDLE job = start.endsWithParent ? jobThatEndsWithUs() : nullptr;
+  BirthAttributes attributes;
+  const bool inherits = streams.count() != 0;
+  Error error = kSuccess;
+  if (inherits) error = attributes.add(PROC_THREAD_ATTRIBUTE_HANDLE_LIST, streams.list(), streams.count());
+  if (error == kSuccess && start.endsWithParent) error = attributes.add(PROC_THREAD_ATTRIBUTE_JOB_LIST, &job, 1);
+  if (error != kSuccess) return error;
   STARTUPINFOEXA startup{};
   startup.StartupInfo.cb = sizeof(startup);
   startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
   startup.StartupInfo.hStdInput = streams[0];
   startup.StartupInfo.hStdOutput = streams[1];
   startup.StartupInfo.hStdError = streams[2];
-  startup.lpAttributeList = handles.get();
+  startup.lpAttributeList = attributes.get();
   std::string line = commandLine(NativePath(start.program), start.arguments);
   std::wstring environment = environmentBlock(start.environment);
-  const DWORD flags = CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
-  return resultOf(CreateProcessA(nullptr, line.data(), nullptr, nullptr, handles.get() != nullptr, flags,
-                                 environment.data(), nullptr, &startup.StartupInfo, created));
-}
-
-// Lets a created process run. One that can not be bound to this process's life does not run at all.
-Error release(const PROCESS_INFORMATION& created, bool endsWithParent) {
-  Error result = kSuccess;
-  if (endsWithParent) result = resultOf(AssignProcessToJobObject(jobThatEndsWithUs(), created.hProcess));
-  if (result == kSuccess && ResumeThread(created.hThread) == static_cast<DWORD>(-1)) result = lastError();
-  if (result != kSuccess) TerminateProcess(created.hProcess, kKilledExitCode);
-  CloseHandle(created.hThread);
-  return result;
+  const DWORD flags = CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
+  return resultOf(CreateProcessA(nullptr, line.data(), nullptr, nullptr, inherits, flags, environment.data(), nullptr,
+                                 &startup.StartupInfo, created));
 }
 
 std::atomic<void (*)()> endRequestHandler{nullptr};
@@ -151,14 +150,14 @@ Error Process::Start(const ProcessStart& start, Process* out) {
   if (notCreated) return notCreated == ERROR_PATH_NOT_FOUND ? kFileNotFound : notCreated;
   Process process;
   process.handle_ = new (std::nothrow) Child{created.hProcess, created.dwProcessId};
-  Error result = release(created, start.endsWithParent);
+  CloseHandle(created.hThread);
   if (!process) {
     TerminateProcess(created.hProcess, kKilledExitCode);
     CloseHandle(created.hProcess);
-    result = kNotEnoughMemory;
+    return kNotEnoughMemory;
   }
-  if (result == kSuccess) *out = std::move(process);
-  return result;
+  *out = std::move(process);
+  return kSuccess;
 }
 
 std::uint32_t Process::Id() const { return handle_ == nullptr ? 0 : childOf(handle_)->id; }
