@@ -12,7 +12,23 @@ namespace {
 
 std::atomic<bool> engineRunning = false;
 std::atomic<int> lastReceiveStatus = 0;
-std::atomic<char*> sharedText = nullptr;
+
+// The shared text in one heap block: its room, then as many bytes.
+struct SharedText {
+  std::size_t room;
+
+  char* text() { return reinterpret_cast<char*>(this + 1); }
+};
+std::atomic<SharedText*> sharedText = nullptr;
+
+// A block with that much room: the earlier one when it suffices, else a new one in its place. Null without memory.
+SharedText* roomFor(std::size_t size, SharedText* earlier) {
+  if (earlier && earlier->room >= size) return earlier;
+  std::free(earlier);
+  auto* const block = static_cast<SharedText*>(std::malloc(sizeof(SharedText) + size));
+  if (block) block->room = size;
+  return block;
+}
 
 }  // namespace
 
@@ -25,15 +41,11 @@ int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxe
 void SetLastReceiveStatus(int status) { lastReceiveStatus.store(status, std::memory_order_relaxed); }
 
 const char* KeepSharedText(const std::string& text) {
-  char* const earlier = sharedText.exchange(nullptr);
-  char* const block = static_cast<char*>(std::realloc(earlier, text.size() + 1));
-  if (!block) {
-    std::free(earlier);
-    throw std::bad_alloc();
-  }
-  std::memcpy(block, text.c_str(), text.size() + 1);
+  SharedText* const block = roomFor(text.size() + 1, sharedText.exchange(nullptr));
+  if (!block) throw std::bad_alloc();
+  std::memcpy(block->text(), text.c_str(), text.size() + 1);
   std::free(sharedText.exchange(block));
-  return block;
+  return block->text();
 }
 
 void DropSharedText() { std::free(sharedText.exchange(nullptr)); }

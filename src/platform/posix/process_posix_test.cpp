@@ -195,6 +195,7 @@ KOVA_KIT_CHILD(takes_requests_while_holding) {
   NativeHandle pipe = nullptr;
   if (OpenPipe(arguments.at(0).c_str(), PipeAccess::ReadWrite, WhenTaken::Wait, &pipe) != kSuccess) return 2;
   while (!endRequested) YieldThread();
+  ClosePipeHandle(pipe);
   return 33;
 }
 
