@@ -56,8 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string path = folder.write("config.ini", std::string(reinterpret_cast<const char*>(data + 1), size - 1));
   const unsigned long room = 1UL + data[0] * 16UL;
   for (const std::string& section : namesOf(ask(nullptr, nullptr, room, path))) {
+    if (section.empty()) continue;  // It would ask for the list again.
     for (const std::string& key : namesOf(ask(section.c_str(), nullptr, room, path))) {
-      requireValue(ask(section.c_str(), key.c_str(), room, path));
+      if (!key.empty()) requireValue(ask(section.c_str(), key.c_str(), room, path));
     }
     std::vector<std::string> keys, values;
     Reader().RetrieveKeyValue(path.c_str(), section.c_str(), keys, values);
