@@ -50,11 +50,11 @@ Looks lookForMessage(os::NativeHandle pipe, void* buffer, std::uint32_t size, st
 }  // namespace
 
 std::uint32_t ParseYieldLimit(const char* text) {
-  if (text == nullptr || *text == '\0') return kDefaultYieldUs;
+  if (text == nullptr || *text == '\0') return os::GoodLookUs();
   const char* end = text + std::strlen(text);
   std::uint32_t value = 0;
   const auto [stop, result] = std::from_chars(text, end, value);
-  if (stop != end || result == std::errc::invalid_argument) return kDefaultYieldUs;
+  if (stop != end || result == std::errc::invalid_argument) return os::GoodLookUs();
   return result == std::errc::result_out_of_range ? kLargestYieldUs : std::min(value, kLargestYieldUs);
 }
 

@@ -12,11 +12,10 @@
 
 namespace kova {
 
-constexpr std::uint32_t kDefaultYieldUs = 20;
 constexpr std::uint32_t kLargestYieldUs = 1000;
 
-// The limit that a text states in microseconds: at most kLargestYieldUs, and kDefaultYieldUs for null and for a text
-// that is no whole number of 0 or more.
+// The limit that a text states in microseconds: at most kLargestYieldUs, and what suits the platform (os::GoodLookUs)
+// for null and for a text that is no whole number of 0 or more.
 std::uint32_t ParseYieldLimit(const char* text);
 
 // The limit in microseconds; 0 blocks at once. Taken from the environment variable KOVA_YIELD_US at its first use.

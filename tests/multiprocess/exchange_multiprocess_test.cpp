@@ -3,6 +3,7 @@
 
 #include <numeric>
 
+#include "platform/os/named_pipe.h"
 #include "tests/multiprocess/exchange_children.h"
 #include "transport/message_exchange.h"
 #include "transport/yielding_wait.h"
@@ -72,7 +73,7 @@ TEST_P(Exchange, AThousandSmallCalls) {
   ASSERT_TRUE(static_cast<bool>(child));
   EXPECT_EQ(serve(conversation), 1000);
   EXPECT_EQ(kova::kit::waitForChild(child), 0);
-  kova::SetYieldLimitUs(kova::kDefaultYieldUs);
+  kova::SetYieldLimitUs(kova::os::GoodLookUs());
 }
 
 INSTANTIATE_TEST_SUITE_P(YieldUs, Exchange, testing::Values(0u, 20u, 1000u));

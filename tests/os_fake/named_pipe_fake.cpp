@@ -265,6 +265,8 @@ Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::u
   return readMessage(call, pipe, buffer, size, read, false);
 }
 
+std::uint32_t GoodLookUs() { return 20; }
+
 Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std::uint32_t* written) {
   Call call("WriteMessage");
   if (call.failure()) return *call.failure();

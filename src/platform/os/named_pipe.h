@@ -74,6 +74,10 @@ Error ReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint
 // gives 232 for it too; ReadMessage gets it then.
 Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read);
 
+// How many microseconds a reader of small messages does well to look with TryReadMessage before it waits in
+// ReadMessage; 0 where a look costs about as much as being woken does.
+std::uint32_t GoodLookUs();
+
 // Writes one message. Waits while the pipe is full. 232 when the peer has gone, 233 or 232 after a disconnect, 536 when
 // no client has come yet. Raises no signal.
 Error WriteMessage(NativeHandle pipe, const void* data, std::uint32_t size, std::uint32_t* written);
