@@ -41,8 +41,8 @@ endfunction()
 add_library(kova_header_libraries INTERFACE)
 target_include_directories(kova_header_libraries SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
 
-# GoogleTest, Google Benchmark and libcsv are built here from Debian's sources, with the flags of the preset and for its
-# platform: the sanitizers and the cross compiler need their own builds.
+# GoogleTest, Google Benchmark, libcsv and pugixml are built here from Debian's sources, with the flags of the preset and
+# for its platform: the sanitizers and the cross compiler need their own builds.
 macro(kova_add_third_party)
   set(INSTALL_GTEST OFF)
   add_subdirectory("${KOVA_GOOGLETEST_DIR}" googletest EXCLUDE_FROM_ALL SYSTEM)
@@ -56,6 +56,9 @@ macro(kova_add_third_party)
   add_library(csv STATIC EXCLUDE_FROM_ALL "${KOVA_DEPS_DIR}/libcsv/libcsv.c")
   target_include_directories(csv SYSTEM PUBLIC "${KOVA_DEPS_DIR}/libcsv")
   set_target_properties(csv PROPERTIES C_STANDARD 90)
+
+  add_library(pugixml STATIC EXCLUDE_FROM_ALL "${KOVA_DEPS_DIR}/pugixml/src/pugixml.cpp")
+  target_include_directories(pugixml SYSTEM PUBLIC "${KOVA_DEPS_DIR}/pugixml/src")
 endmacro()
 
 # Adds sources to the library proper (see src/CMakeLists.txt).

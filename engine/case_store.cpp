@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace kova::engine {
 namespace {
@@ -47,6 +48,41 @@ double CaseStore::number(std::size_t position, std::size_t variable) const {
 
 std::string CaseStore::text(std::size_t position, std::size_t variable) const {
   return {bytesOf(position, variable), slots_[variable].width};
+}
+
+bool CaseStore::sameValue(std::size_t position, std::size_t other, std::size_t variable) const {
+  return std::memcmp(bytesOf(position, variable), bytesOf(other, variable), slots_[variable].units * kUnitBytes) == 0;
+}
+
+void CaseStore::changeWidth(std::size_t variable, int width) {
+  std::vector<int> widths = this->widths();
+  widths[variable] = width;
+  CaseStore changed(widths);
+  const std::size_t count = caseCount();
+  changed.units_.reserve(count * changed.caseUnits_);
+  for (std::size_t i = 0; i < count; ++i) changed.copyCase(*this, i, variable);
+  *this = std::move(changed);
+}
+
+std::vector<int> CaseStore::widths() const {
+  std::vector<int> widths;
+  for (const Slot& slot : slots_) widths.push_back(static_cast<int>(slot.width));
+  return widths;
+}
+
+// Appends a case of a store that differs in one variable's width: what stands before and behind that one is the same.
+void CaseStore::copyCase(const CaseStore& from, std::size_t position, std::size_t changed) {
+  const std::size_t target = caseCount();
+  appendCase();
+  const Slot& slot = slots_[changed];
+  const Slot& fromSlot = from.slots_[changed];
+  const std::uint64_t* source = from.units_.data() + position * from.caseUnits_;
+  std::uint64_t* const copy = units_.data() + target * caseUnits_;
+  std::copy_n(source, slot.first, copy);
+  source += fromSlot.first + fromSlot.units;
+  std::copy_n(source, from.caseUnits_ - fromSlot.first - fromSlot.units, copy + slot.first + slot.units);
+  const std::size_t bytes = std::min(slot.width, fromSlot.width);
+  if (bytes > 0) std::memcpy(bytesOf(target, changed), from.bytesOf(position, changed), bytes);
 }
 
 char* CaseStore::bytesOf(std::size_t position, std::size_t variable) {

@@ -48,6 +48,15 @@ class CaseStore {
   double number(std::size_t position, std::size_t variable) const;
   std::string text(std::size_t position, std::size_t variable) const;  // Of the variable's width, blanks included.
 
+  // True when both cases have the same value of the variable, byte for byte.
+  bool sameValue(std::size_t position, std::size_t other, std::size_t variable) const;
+
+  // Gives a variable another width. A text is cut or filled up with blanks; where a number becomes a text or the other
+  // way about, the cases have no value of it any more.
+  void changeWidth(std::size_t variable, int width);
+
+  bool operator==(const CaseStore&) const = default;
+
   // All cases, one behind the other; valid until the next change.
   const void* data() const { return units_.data(); }
 
@@ -56,8 +65,12 @@ class CaseStore {
     std::size_t first;
     std::size_t units;
     std::size_t width;
+
+    bool operator==(const Slot&) const = default;
   };
 
+  std::vector<int> widths() const;
+  void copyCase(const CaseStore& from, std::size_t position, std::size_t changed);
   char* bytesOf(std::size_t position, std::size_t variable);
   const char* bytesOf(std::size_t position, std::size_t variable) const;
 

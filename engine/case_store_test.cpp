@@ -78,6 +78,56 @@ TEST(CaseStore, CutsATextAtTheVariablesWidth) {
   EXPECT_EQ(bytesOf(cases), "abc     ");
 }
 
+CaseStore numberTextNumber() {
+  CaseStore cases({0, 9, 0});
+  for (int i = 0; i < 3; ++i) {
+    const auto position = static_cast<std::size_t>(i);
+    cases.appendCase();
+    cases.setNumber(position, 0, i);
+    cases.setText(position, 1, "Chinstrap");
+    cases.setNumber(position, 2, 100 + i);
+  }
+  return cases;
+}
+
+TEST(CaseStore, AVariableGetsAnotherWidth) {
+  struct Row {
+    int width;
+    std::size_t caseBytes;
+    const char* text;
+  };
+  const Row rows[] = {{3, 24, "Chi"}, {8, 24, "Chinstra"}, {9, 32, "Chinstrap"}, {20, 40, "Chinstrap           "}};
+  for (const Row& row : rows) {
+    CaseStore cases = numberTextNumber();
+    cases.changeWidth(1, row.width);
+    EXPECT_EQ(cases.caseCount(), 3U) << row.width;
+    EXPECT_EQ(cases.caseBytes(), row.caseBytes) << row.width;
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(cases.number(i, 0), static_cast<double>(i)) << row.width;
+      EXPECT_EQ(cases.text(i, 1), row.text);
+      EXPECT_EQ(cases.number(i, 2), 100 + static_cast<double>(i)) << row.width;
+    }
+  }
+}
+
+TEST(CaseStore, AVariableOfTheOtherKindHasNoValues) {
+  CaseStore cases = numberTextNumber();
+  cases.changeWidth(1, 0);
+  cases.changeWidth(2, 10);
+  EXPECT_EQ(cases.caseBytes(), 32U);
+  EXPECT_EQ(cases.number(2, 0), 2.0);
+  EXPECT_EQ(cases.number(2, 1), kSystemMissing);
+  EXPECT_EQ(cases.text(2, 2), "          ");
+}
+
+TEST(CaseStore, ComparesValuesOfTwoCases) {
+  CaseStore cases = numberTextNumber();
+  EXPECT_FALSE(cases.sameValue(0, 1, 0));
+  EXPECT_TRUE(cases.sameValue(0, 2, 1));
+  cases.setText(2, 1, "Chinstra");
+  EXPECT_FALSE(cases.sameValue(0, 2, 1)) << "it differs in its second unit";
+}
+
 TEST(CaseStore, WithoutVariablesThereAreNoCases) { EXPECT_EQ(CaseStore().caseCount(), 0U); }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The commands that ask for the engine itself: readiness, syntax, the system-missing value.
+// The commands about the engine itself: readiness, syntax, and the numbers that have a meaning of their own.
 #ifndef KOVADX_ENGINE_CONTROL_HANDLERS_H
 #define KOVADX_ENGINE_CONTROL_HANDLERS_H
 

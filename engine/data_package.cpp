@@ -29,6 +29,10 @@ class TableReader {
     if (!hasHeading_) fail(1, 0, quotedText(resource_.fields[0].variable.name) + " as heading", "nothing");
     DataSet dataSet;
     dataSet.name = resource_.name;
+    dataSet.attributes = std::move(resource_.own.attributes);
+    dataSet.responseSets = std::move(resource_.own.responseSets);
+    dataSet.weight = std::move(resource_.own.weight);
+    dataSet.split = std::move(resource_.own.split);
     dataSet.cases = makeStore();
     walk([&](const CsvRow& row) { storeRow(row, &dataSet.cases); });
     for (Field& field : resource_.fields) dataSet.variables.push_back(std::move(field.variable));
@@ -160,7 +164,10 @@ std::string descriptorOf(const std::string& path) {
 
 bool readDataPackage(const std::string& path, DataSet* dataSet, std::string* problem) noexcept {
   try {
-    *dataSet = TableReader(readResource(descriptorOf(path))).read();
+    const std::string descriptor = descriptorOf(path);
+    DataSet read = TableReader(readResource(descriptor)).read();
+    read.source = descriptor;
+    *dataSet = std::move(read);
     return true;
   } catch (const std::bad_alloc&) {
     problem->assign("no memory");  // Short enough to need none.

@@ -94,7 +94,7 @@ TEST(DescriptorProblems, OfResources) {
       {"a delimiter of two", withResource(R"("path": "t.csv", "dialect": {"delimiter": ^"||"})"),
        " (resources/0/dialect/delimiter): expected one character of one byte, found \"||\""},
       {"a delimiter of nothing", withResource(R"("path": "t.csv", "dialect": {"delimiter": ^"\u0000"})"),
-       " (resources/0/dialect/delimiter): expected one character of one byte, found \"?\""},
+       " (resources/0/dialect/delimiter): expected a text without NUL characters, found \"?\""},
       {"no schema", R"({"resources": [^{"path": "t.csv"}]})",
        " (resources/0/schema): expected an object, found nothing"},
       {"a schema elsewhere", withResource(R"("path": "t.csv", "schema": ^"s.json")"),
@@ -123,6 +123,8 @@ TEST(DescriptorProblems, OfFields) {
        " (resources/0/schema/fields/0/name): expected a name of 1 to 64 bytes, found nothing"},
       {"a name twice", R"({"name": "a"}, {"name": ^"A"})",
        " (resources/0/schema/fields/1/name): expected a name that no other field has, found \"A\""},
+      {"a title with a NUL", R"({"name": "a", "title": ^"x\u0000y"})",
+       " (resources/0/schema/fields/0/title): expected a text without NUL characters, found \"x?y\""},
       {"an unknown type", R"({"name": "a", "type": ^"geojson"})",
        " (resources/0/schema/fields/0/type): expected one of string, number, integer, boolean, date, time, datetime, "
        "found \"geojson\""},
@@ -147,8 +149,32 @@ TEST(DescriptorProblems, OfFields) {
       {"no format", R"({"name": "a", "type": "number", "x-kova": {"format": ^"fine"}})",
        " (resources/0/schema/fields/0/x-kova/format): expected a format of numbers, as F8.2, found \"fine\""},
       {"an unknown key", R"({"name": "a", "x-kova": {"roll": ^"input"}})",
-       " (resources/0/schema/fields/0/x-kova/roll): expected no keys but measure, format, width, role, found "
-       "\"input\""},
+       " (resources/0/schema/fields/0/x-kova/roll): expected no keys but measure, role, width, format, "
+       "alignment, columnWidth, attributes, found \"input\""},
+      {"an unknown alignment", R"({"name": "a", "x-kova": {"alignment": ^"middle"}})",
+       " (resources/0/schema/fields/0/x-kova/alignment): expected one of left, right, center, found \"middle\""},
+      {"a column width of 0", R"({"name": "a", "x-kova": {"columnWidth": ^0}})",
+       " (resources/0/schema/fields/0/x-kova/columnWidth): expected a column width of 1 to 255, found 0"},
+      {"a column width of 256", R"({"name": "a", "x-kova": {"columnWidth": ^256}})",
+       " (resources/0/schema/fields/0/x-kova/columnWidth): expected a column width of 1 to 255, found 256"},
+      {"a column width that is a text", R"({"name": "a", "x-kova": {"columnWidth": ^"8"}})",
+       " (resources/0/schema/fields/0/x-kova/columnWidth): expected a column width of 1 to 255, found \"8\""},
+      {"attributes that are no object", R"({"name": "a", "x-kova": {"attributes": ^["unit"]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes): expected an object, found a list"},
+      {"an attribute that is a number", R"({"name": "a", "x-kova": {"attributes": {"unit": ^5}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/unit): expected a text, found 5"},
+      {"an attribute with a number among its texts", R"({"name": "a", "x-kova": {"attributes": {"unit": ["m", ^5]}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/unit/1): expected a text, found 5"},
+      {"an attribute without texts", R"({"name": "a", "x-kova": {"attributes": {"unit": ^[]}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/unit): expected at least one text, found a list"},
+      {"an attribute with a NUL", R"({"name": "a", "x-kova": {"attributes": {"unit": ^"m\u0000"}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/unit): expected a text without NUL characters, found \"m?\""},
+      {"an attribute with another name", R"({"name": "a", "x-kova": {"attributes": {"two words": ^"x"}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/two words): expected a name of letters, digits and . _ $ # @, "
+       "found \"x\""},
+      {"an attribute twice", R"({"name": "a", "x-kova": {"attributes": {"UNIT": "m", "unit": ^"km"}}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/unit): expected a name that no other attribute has, found "
+       "\"km\""},
       {"a category of the other type", R"({"name": "a", "type": "integer", "categories": [1, ^"x"]})",
        " (resources/0/schema/fields/0/categories/1): expected a whole number, found \"x\""},
       {"a category that is no whole number", R"({"name": "a", "type": "integer", "categories": [^1.5]})",
@@ -183,11 +209,89 @@ TEST(DescriptorProblems, OfFields) {
       {"a word for true that is one for false", R"({"name": "a", "type": "boolean", "trueValues": [^"0"]})",
        " (resources/0/schema/fields/0/trueValues/0): expected a text that is not both true and false, found \"0\""},
       {"a key of several lines", R"({"name": "a", "x-kova": {"\n\u001b[2J": ^1}})",
-       " (resources/0/schema/fields/0/x-kova/??[2J): expected no keys but measure, format, width, role, found 1"},
+       " (resources/0/schema/fields/0/x-kova/??[2J): expected no keys but measure, role, width, format, alignment, "
+       "columnWidth, attributes, found 1"},
       {"no words for true", R"({"name": "a", "type": "boolean", "trueValues": ^[]})",
        " (resources/0/schema/fields/0/trueValues): expected at least one text, found a list"},
   };
   for (const MarkedRow& row : rows) expectProblem(row, withFields(row.text));
+}
+
+// A package of two numbers and a string, with these own keys of its resource.
+std::string withOwnKeys(const std::string& keys) {
+  return withResource(R"("path": "t.csv", "schema": {"fields": [{"name": "n", "type": "number"},
+    {"name": "m", "type": "integer"}, {"name": "s", "x-kova": {"width": 3}}, {"name": "t"}]}, "x-kova": )" +
+                      keys);
+}
+
+TEST(DescriptorProblems, OfOwnKeysOfTheResource) {
+  const MarkedRow rows[] = {
+      {"no object", "^[]", ": expected an object, found a list"},
+      {"an unknown key", R"({"wieght": ^"n"})",
+       "/wieght): expected no keys but attributes, responseSets, weight, split, found \"n\""},
+      {"attributes that are no object", R"({"attributes": ^"x"})", "/attributes): expected an object, found \"x\""},
+      {"an attribute that is true", R"({"attributes": {"a": ^true}})", "/attributes/a): expected a text, found true"},
+      {"a weight that is no field", R"({"weight": ^"w"})", "/weight): expected the name of a field, found \"w\""},
+      {"a weight that is a string", R"({"weight": ^"s"})",
+       "/weight): expected the name of a field of numbers, found \"s\""},
+      {"a weight that is a list", R"({"weight": ^["n"]})", "/weight): expected a text, found a list"},
+      {"a split that is no list", R"({"split": ^"n"})", "/split): expected a list, found \"n\""},
+      {"a split by no field", R"({"split": ["n", ^"w"]})", "/split/1): expected the name of a field, found \"w\""},
+      {"a split twice by one field", R"({"split": ["n", "s", ^"N"]})",
+       "/split/2): expected each field once, found \"N\""},
+      {"sets that are no list", R"({"responseSets": ^{}})", "/responseSets): expected a list, found an object"},
+      {"a set that is no object", R"({"responseSets": [^"$s"]})", "/responseSets/0): expected an object, found \"$s\""},
+      {"a set with an unknown key", R"({"responseSets": [{"name": "$s", "fields": ^[]}]})",
+       "/responseSets/0/fields): expected no keys but name, label, kind, countedValue, variables, found a list"},
+      {"a set without a name", R"({"responseSets": [^{"kind": "categories"}]})",
+       "/responseSets/0/name): expected a text, found nothing"},
+      {"a set without a dollar sign", R"({"responseSets": [{"name": ^"s"}]})",
+       "/responseSets/0/name): expected a name of 2 to 64 bytes that begins with $, found \"s\""},
+      {"a set without a kind", R"({"responseSets": [^{"name": "$s"}]})",
+       "/responseSets/0/kind): expected a text, found nothing"},
+      {"a set of another kind", R"({"responseSets": [{"name": "$s", "kind": ^"both"}]})",
+       "/responseSets/0/kind): expected one of dichotomies, categories, found \"both\""},
+      {"a set without fields", R"({"responseSets": [^{"name": "$s", "kind": "categories"}]})",
+       "/responseSets/0/variables): expected a list, found nothing"},
+      {"a set of no known field",
+       R"({"responseSets": [{"name": "$s", "kind": "categories", "variables": ["n", ^"w"]}]})",
+       "/responseSets/0/variables/1): expected the name of a field, found \"w\""},
+      {"a set of one field", R"({"responseSets": [{"name": "$s", "kind": "categories", "variables": ^["n"]}]})",
+       "/responseSets/0/variables): expected at least two fields, found a list"},
+      {"a set with a field twice",
+       R"({"responseSets": [{"name": "$s", "kind": "categories", "variables": ["n", ^"n"]}]})",
+       "/responseSets/0/variables/1): expected each field once, found \"n\""},
+      {"a set of both kinds of fields",
+       R"({"responseSets": [{"name": "$s", "kind": "categories", "variables": ^["n", "s"]}]})",
+       "/responseSets/0/variables): expected fields of one kind, all numbers or all strings, found a list"},
+      {"categories with a counted value",
+       R"({"responseSets": [{"name": "$s", "kind": "categories", "countedValue": ^1, "variables": ["n", "m"]}]})",
+       "/responseSets/0/countedValue): expected no counted value, which only dichotomies have, found 1"},
+      {"dichotomies without a counted value",
+       R"({"responseSets": [^{"name": "$s", "kind": "dichotomies", "variables": ["n", "m"]}]})",
+       "/responseSets/0/countedValue): expected a value that the fields can have, found nothing"},
+      {"dichotomies of numbers that count a text",
+       R"({"responseSets": [{"name": "$s", "kind": "dichotomies", "countedValue": ^"yes", "variables": ["n", "m"]}]})",
+       "/responseSets/0/countedValue): expected a value that the fields can have, found \"yes\""},
+      {"dichotomies that count a text that is too long",
+       R"({"responseSets": [{"name": "$s", "kind": "dichotomies", "countedValue": ^"long", "variables": ["s", "t"]}]})",
+       "/responseSets/0/countedValue): expected a value that the fields can have, found \"long\""},
+  };
+  for (const MarkedRow& row : rows) {
+    const std::string problem = " (resources/0/x-kova" + std::string(*row.problem == ':' ? ")" : "") + row.problem;
+    expectProblem({row.label, row.text, problem.c_str()}, withOwnKeys(row.text));
+  }
+}
+
+TEST(DescriptorProblems, OfOwnKeysOfThePackage) {
+  const std::string resources = R"("resources": [{"path": "t.csv", "schema": {"fields": [{"name": "n"}]}}])";
+  expectProblem(
+      {"a weight that is no number", "", " (x-kova/weight): expected the name of a field of numbers, found \"n\""},
+      "{" + resources + R"(, "x-kova": {"weight": ^"n"}})");
+  expectProblem({"an unknown key", "",
+                 " (x-kova/split_by): expected no keys but attributes, responseSets, weight, split, "
+                 "found a list"},
+                "{" + resources + R"(, "x-kova": {"split_by": ^[]}})");
 }
 
 TEST(DescriptorProblems, OfASchemaWithoutFields) {

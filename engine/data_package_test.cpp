@@ -112,7 +112,8 @@ TEST(DataPackage, FillsInWhatAFieldDoesNotSay) {
 TEST(DataPackage, TakesTheOwnKeysOfAField) {
   const auto dataSet = readTable(
       R"({"name": "a", "description": "Long words",
-          "x-kova": {"measure": "ordinal", "role": "split", "width": 20, "format": "A30"}})",
+          "x-kova": {"measure": "ordinal", "role": "split", "width": 20, "format": "A30", "alignment": "center",
+                     "columnWidth": 255, "attributes": {"unit": "m", "Codes": ["a", "", "b"]}}})",
       "a\nx\n");
   const Variable& variable = dataSet.variables.at(0);
   EXPECT_EQ(variable.label, "Long words");
@@ -120,6 +121,49 @@ TEST(DataPackage, TakesTheOwnKeysOfAField) {
   EXPECT_EQ(variable.role, Role::kSplit);
   EXPECT_EQ(variable.width, 20);
   EXPECT_EQ(formatText(variable.format), "A30");
+  EXPECT_EQ(variable.alignment, Alignment::kCenter);
+  EXPECT_EQ(variable.columnWidth, 255);
+  const Attributes expected = {{"Codes", {"a", "", "b"}}, {"unit", {"m"}}};
+  EXPECT_TRUE(variable.attributes == expected);
+}
+
+TEST(DataPackage, StringsStandLeftAndNumbersRight) {
+  const DataSet dataSet = readTable(R"({"name": "s"}, {"name": "n", "type": "number"})", "s,n\n");
+  EXPECT_EQ(dataSet.variables[0].alignment, Alignment::kLeft);
+  EXPECT_EQ(dataSet.variables[1].alignment, Alignment::kRight);
+  EXPECT_EQ(dataSet.variables[0].columnWidth, 8);
+  EXPECT_TRUE(dataSet.variables[0].attributes.empty());
+  EXPECT_TRUE(dataSet.attributes.empty());
+  EXPECT_TRUE(dataSet.responseSets.empty());
+  EXPECT_EQ(dataSet.weight, "");
+  EXPECT_TRUE(dataSet.split.empty());
+}
+
+// The resource's own keys stand in front of the package's.
+TEST(DataPackage, TakesTheOwnKeysOfTheDataSet) {
+  const ScratchFolder folder;
+  folder.write("datapackage.json", R"({
+    "x-kova": {"attributes": {"wave": "1", "Source": "survey"}, "weight": "n",
+               "responseSets": [{"name": "$a", "kind": "categories", "variables": ["s", "t"]}]},
+    "resources": [{"name": "t", "path": "t.csv",
+      "x-kova": {"attributes": {"WAVE": ["2", "3"]}, "weight": "M", "split": ["S", "n"],
+                 "responseSets": [{"name": "$b", "label": "Bee", "kind": "dichotomies", "countedValue": 1,
+                                   "variables": ["N", "m"]},
+                                  {"name": "$c", "kind": "dichotomies", "countedValue": "any length",
+                                   "variables": ["t", "s"]}]},
+      "schema": {"fields": [{"name": "n", "type": "number"}, {"name": "m", "type": "integer"}, {"name": "s"},
+                            {"name": "t"}]}}]})");
+  folder.write("t.csv", "n,m,s,t\n1,2,x,y\n");
+  const DataSet dataSet = read(folder.path());
+  const Attributes attributes = {{"Source", {"survey"}}, {"wave", {"2", "3"}}};
+  EXPECT_TRUE(dataSet.attributes == attributes);
+  EXPECT_EQ(dataSet.weight, "m") << "as the field has it";
+  EXPECT_THAT(dataSet.split, testing::ElementsAre("s", "n"));
+  const std::vector<ResponseSet> sets = {{"$a", "", ResponseSetKind::kCategories, "", {"s", "t"}},
+                                         {"$b", "Bee", ResponseSetKind::kDichotomies, "1", {"n", "m"}},
+                                         {"$c", "", ResponseSetKind::kDichotomies, "any length", {"t", "s"}}};
+  EXPECT_TRUE(dataSet.responseSets == sets);
+  EXPECT_EQ(dataSet.source, folder.path() + "/datapackage.json");
 }
 
 TEST(DataPackage, ATitleIsTheLabelBeforeADescription) {

@@ -1,4 +1,4 @@
-// The commands that read the dictionary of the active data set.
+// The commands that read what is said of variables: names, labels, types, formats, levels, roles, missing values.
 #ifndef KOVADX_ENGINE_DICTIONARY_HANDLERS_H
 #define KOVADX_ENGINE_DICTIONARY_HANDLERS_H
 

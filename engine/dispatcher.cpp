@@ -5,8 +5,17 @@
 #include <new>
 #include <string_view>
 
+#include "engine/attribute_handlers.h"
 #include "engine/control_handlers.h"
 #include "engine/dictionary_handlers.h"
+#include "engine/dictionary_setters.h"
+#include "engine/label_handlers.h"
+#include "engine/output_handlers.h"
+#include "engine/pivot_handlers.h"
+#include "engine/response_set_handlers.h"
+#include "engine/session_handlers.h"
+#include "engine/split_handlers.h"
+#include "engine/xpath_handlers.h"
 
 namespace kova::engine {
 namespace {
@@ -30,7 +39,9 @@ Table makeTable() {
 #define KOVA_COMMAND(code, name, request, reply) assign(code, request);
 #include "message/commands.def"
 #undef KOVA_COMMAND
-  for (const auto rows : {controlHandlers(), dictionaryHandlers()}) {
+  for (const auto rows : {controlHandlers(), dictionaryHandlers(), dictionarySetters(), labelHandlers(),
+                          attributeHandlers(), responseSetHandlers(), sessionHandlers(), splitHandlers(),
+                          outputHandlers(), pivotHandlers(), xpathHandlers()}) {
     for (const HandlerRow& row : rows) table.at(static_cast<std::size_t>(row.command)).handler = row.handler;
   }
   return table;

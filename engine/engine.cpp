@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "engine/dispatcher.h"
+#include "engine/report_html.h"
+#include "engine/report_text.h"
 
 namespace kova::engine {
 
@@ -16,6 +18,23 @@ void Engine::open(DataSet dataSet) {
 void Engine::perform(const CleXDSmb& request, CleXDSmb& reply) noexcept {
   const std::lock_guard lock(mutex_);
   dispatch(state_, request, reply);
+}
+
+void Engine::onOutput(std::function<void(const std::string& text)> show) {
+  const std::lock_guard lock(mutex_);
+  state_.output.log.setListener([this, show = std::move(show)](const OutputSection& section) {
+    show(sectionText(section, static_cast<std::size_t>(state_.session.outputWidth)));
+  });
+}
+
+void Engine::endOutput() {
+  const std::lock_guard lock(mutex_);
+  if (state_.output.log.hasProcedure()) state_.output.log.endProcedure();
+}
+
+std::string Engine::htmlOutput() const {
+  const std::lock_guard lock(mutex_);
+  return htmlReport(state_.output.log.sections());
 }
 
 std::vector<std::string> Engine::submittedSyntax() const {

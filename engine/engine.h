@@ -5,6 +5,7 @@
 #ifndef KOVADX_ENGINE_ENGINE_H
 #define KOVADX_ENGINE_ENGINE_H
 
+#include <functional>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -22,6 +23,16 @@ class Engine {
 
   // Carries out one request; see dispatch.
   void perform(const CleXDSmb& request, CleXDSmb& reply) noexcept;
+
+  // Hands over each piece of output once it is finished, as text in lines of the engine's output width. Called in the
+  // thread that carries out the request, before that is answered; must not call the engine. To be set first.
+  void onOutput(std::function<void(const std::string& text)> show);
+
+  // Ends a procedure that a program left open, as if it had ended it.
+  void endOutput();
+
+  // All finished output as an HTML page.
+  std::string htmlOutput() const;
 
   // Every text that was submitted, oldest first.
   std::vector<std::string> submittedSyntax() const;

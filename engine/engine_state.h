@@ -1,5 +1,5 @@
-// What the engine knows: its data sets, which of them is active, and the syntax that was submitted. Changed by request
-// handlers alone, one at a time.
+// What the engine knows: its data sets, which of them is active, the syntax that was submitted, and its settings.
+// Changed by request handlers alone, one at a time.
 #ifndef KOVADX_ENGINE_ENGINE_STATE_H
 #define KOVADX_ENGINE_ENGINE_STATE_H
 
@@ -8,13 +8,18 @@
 #include <vector>
 
 #include "engine/data_set.h"
+#include "engine/output_state.h"
+#include "engine/session.h"
 
 namespace kova::engine {
 
 struct EngineState {
   std::vector<std::unique_ptr<DataSet>> dataSets;
-  DataSet* active = nullptr;  // One of dataSets, or none.
+  DataSet* active = nullptr;       // One of dataSets, or none.
+  DataSet* ofProcedure = nullptr;  // The running procedure's, when it is another than the active one.
   std::vector<std::string> submittedSyntax;
+  Session session;
+  OutputState output;
 };
 
 }  // namespace kova::engine

@@ -56,6 +56,15 @@ std::string formatText(const Format& format) {
   return text;
 }
 
+std::optional<FormatType> formatTypeOf(int number) {
+  for (const Row& row : kRows) {
+    if (static_cast<int>(row.type) == number) return row.type;
+  }
+  return std::nullopt;
+}
+
+bool hasDecimals(FormatType type) { return rowOf(type).hasDecimals; }
+
 std::optional<Format> parseFormat(std::string_view text) {
   const auto letters = text.find_first_of("0123456789");
   if (letters == std::string_view::npos) return std::nullopt;

@@ -30,6 +30,10 @@ struct Format {
 // Name, width and, where the format has them, a dot and the decimals: "F8.1", "F8.0", "A9", "DATE10".
 std::string formatText(const Format& format);
 
+// The format of this number, if there is one, and whether decimals belong to it.
+std::optional<FormatType> formatTypeOf(int number);
+bool hasDecimals(FormatType type);
+
 // Reads such a text in upper or lower case. The width is 1 to 40, for A 1 to 32767; decimals are 0 to 16 and fewer than
 // the width, 0 when they are left out. Nothing when it is no format.
 std::optional<Format> parseFormat(std::string_view text);

@@ -214,7 +214,9 @@ std::vector<JsonNode> JsonNode::elements() const {
 
 std::string JsonNode::text() const {
   if (!exists() || !value_->is_string()) fail("a text");
-  return value_->get<std::string>();
+  auto text = value_->get<std::string>();
+  if (text.find('\0') != std::string::npos) fail("a text without NUL characters");
+  return text;
 }
 
 std::string JsonNode::text(const std::string& fallback) const { return exists() ? text() : fallback; }

@@ -44,7 +44,8 @@ class JsonNode {
   JsonNode operator[](const std::string& key) const;
   std::vector<JsonNode> elements() const;
 
-  // The text. Throws when it is missing or no text; the second form gives the fallback when it is missing.
+  // The text. Throws when it is missing, no text or one with a NUL character; the second form gives the fallback when
+  // it is missing.
   std::string text() const;
   std::string text(const std::string& fallback) const;
 

@@ -92,17 +92,33 @@ JsonNode firstResource(const JsonNode& root) {
   return resources.front();
 }
 
+// The variables as far as other parts of the descriptor must know them.
+Variables variablesOf(const std::vector<Field>& fields) {
+  Variables variables;
+  for (const Field& field : fields) {
+    Variable variable;
+    variable.name = field.variable.name;
+    variable.width = field.widthFromData ? kWidestString : field.variable.width;
+    variables.push_back(std::move(variable));
+  }
+  return variables;
+}
+
 }  // namespace
 
 Resource readResource(const std::string& descriptorPath) {
   const JsonSource source(descriptorPath);
-  const JsonNode node = firstResource(JsonNode(source));
+  const JsonNode root(source);
+  const JsonNode node = firstResource(root);
   Resource resource;
   resource.name = node["name"].text("data");
   resource.tablePath = readPath(node, folderOf(descriptorPath));
   checkKind(node);
   resource.delimiter = readDelimiter(node["dialect"]);
   resource.fields = readTableSchema(node["schema"]);
+  const Variables variables = variablesOf(resource.fields);
+  readOwnKeys(root["x-kova"], variables, &resource.own);
+  readOwnKeys(node["x-kova"], variables, &resource.own);
   return resource;
 }
 

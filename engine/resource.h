@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "engine/field.h"
+#include "engine/own_keys.h"
 
 namespace kova::engine {
 
@@ -14,6 +15,7 @@ struct Resource {
   std::string tablePath;  // The descriptor's folder and the resource's path in it.
   char delimiter = ',';
   std::vector<Field> fields;
+  OwnKeys own;  // The package's, and the resource's in front of them.
 };
 
 // Reads the descriptor. Throws DataProblem.

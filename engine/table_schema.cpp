@@ -1,16 +1,16 @@
 #include "engine/table_schema.h"
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
+#include <unordered_set>
 #include <utility>
 
 #include "engine/field_labels.h"
+#include "engine/own_keys.h"
+#include "engine/text_rules.h"
 
 namespace kova::engine {
 namespace {
-
-constexpr std::size_t kLongestName = 64;
 
 // What a field is when its description does not say more. A text's print format of width 0 is as wide as the variable.
 struct TypeRow {
@@ -36,11 +36,6 @@ const std::pair<const char*, nlohmann::json> kFixedProperties[] = {
     {"groupChar", ""},
     {"bareNumber", true},
 };
-
-bool sameName(const std::string& a, const std::string& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
 
 std::string readName(const JsonNode& node) {
   const std::string name = node.text();
@@ -113,15 +108,29 @@ void readWord(const JsonNode& node, std::optional<Value> (*lookUp)(std::string_v
   *out = *value;
 }
 
-void readOwnKeys(const JsonNode& node, Field* field) {
+void readColumnWidth(const JsonNode& node, Field* field) {
+  if (!node.exists()) return;
+  const auto& value = node.value();
+  const auto inRange = [&] { return value.get<std::uint64_t>() >= 1 && value.get<std::uint64_t>() <= kWidestColumn; };
+  if (!value.is_number_unsigned() || !inRange()) node.fail("a column width of 1 to 255");
+  field->variable.columnWidth = value.get<int>();
+}
+
+constexpr std::string_view kFieldKeys[] = {"measure",   "role",        "width",     "format",
+                                           "alignment", "columnWidth", "attributes"};
+
+void readFieldKeys(const JsonNode& node, Field* field) {
   if (!node.exists()) return;
   readWord(node["measure"], measureOf, "one of nominal, ordinal, scale", &field->variable.measure);
   readWord(node["role"], roleOf, "one of input, target, both, none, partition, split", &field->variable.role);
+  readWord(node["alignment"], alignmentOf, "one of left, right, center", &field->variable.alignment);
+  readColumnWidth(node["columnWidth"], field);
+  field->variable.attributes = readAttributes(node["attributes"]);
   readWidth(node["width"], field);
   readFormat(node["format"], field);
   for (const auto& [key, value] : node.value().items()) {
-    if (key != "measure" && key != "role" && key != "width" && key != "format") {
-      node[key].fail("no keys but measure, format, width, role");
+    if (std::find(std::begin(kFieldKeys), std::end(kFieldKeys), key) == std::end(kFieldKeys)) {
+      node[key].fail("no keys but measure, role, width, format, alignment, columnWidth, attributes");
     }
   }
 }
@@ -144,13 +153,14 @@ Field readField(const JsonNode& node, const JsonNode& tableMissing) {
   field.variable.label = node["title"].text(node["description"].text(""));
   field.variable.width = field.isText() ? 1 : 0;
   field.variable.format = type.format;
+  field.variable.alignment = field.isText() ? Alignment::kLeft : Alignment::kRight;
   field.variable.measure = measureFrom(node, type);
   field.trueTexts = readTexts(node["trueValues"], {"true", "True", "TRUE", "1"});
   field.falseTexts = readTexts(node["falseValues"], {"false", "False", "FALSE", "0"});
   checkWords(node["falseValues"], field.trueTexts);
   checkWords(node["trueValues"], field.falseTexts);
   checkReadable(node, field);
-  readOwnKeys(node["x-kova"], &field);
+  readFieldKeys(node["x-kova"], &field);
   readCategories(node["categories"], &field);
   const JsonNode ownMissing = node["missingValues"];
   readMissingValues(ownMissing.exists() ? ownMissing : tableMissing, &field);
@@ -163,12 +173,10 @@ std::vector<Field> readTableSchema(const JsonNode& schema) {
   const JsonNode match = schema["fieldsMatch"];
   if (match.exists() && match.value() != "exact" && match.value() != nlohmann::json{"exact"}) match.fail("\"exact\"");
   std::vector<Field> fields;
+  std::unordered_set<std::string, NameHash, NameEqual> names;
   for (const JsonNode& node : schema["fields"].elements()) {
     fields.push_back(readField(node, schema["missingValues"]));
-    const auto same = [&](const Field& other) { return sameName(other.variable.name, fields.back().variable.name); };
-    if (std::find_if(fields.begin(), fields.end() - 1, same) != fields.end() - 1) {
-      node["name"].fail("a name that no other field has");
-    }
+    if (!names.insert(fields.back().variable.name).second) node["name"].fail("a name that no other field has");
   }
   if (fields.empty()) schema["fields"].fail("at least one field");
   return fields;

@@ -24,10 +24,25 @@ constexpr std::pair<std::string_view, Role> kRoles[] = {
     {"none", Role::kNone},   {"partition", Role::kPartition}, {"split", Role::kSplit},
 };
 
+constexpr std::pair<std::string_view, Alignment> kAlignments[] = {
+    {"left", Alignment::kLeft},
+    {"right", Alignment::kRight},
+    {"center", Alignment::kCenter},
+};
+
 }  // namespace
 
 std::optional<Measure> measureOf(std::string_view word) { return lookUp(kMeasures, word); }
 
 std::optional<Role> roleOf(std::string_view word) { return lookUp(kRoles, word); }
+
+std::optional<Alignment> alignmentOf(std::string_view word) { return lookUp(kAlignments, word); }
+
+std::string_view wordOf(Measure measure) {
+  for (const auto& [name, value] : kMeasures) {
+    if (value == measure) return name;
+  }
+  return "unknown";
+}
 
 }  // namespace kova::engine

@@ -1,4 +1,4 @@
-// The numbers that stand for measurement levels, roles and kinds of missing values in requests and replies.
+// The numbers that stand for measurement levels, roles, alignments and kinds of missing values in requests and replies.
 #ifndef KOVADX_ENGINE_VALUE_CODES_H
 #define KOVADX_ENGINE_VALUE_CODES_H
 
@@ -25,6 +25,17 @@ enum class Role : int {
   kSplit = 5,
 };
 
+// Where a value stands in its column.
+enum class Alignment : int {
+  kLeft = 0,
+  kRight = 1,
+  kCenter = 2,
+};
+
+// The width of a variable's column on a screen, in characters.
+constexpr int kUsualColumnWidth = 8;
+constexpr int kWidestColumn = 255;
+
 // The kind of a numeric variable's user-missing values. A string variable has 0 to 3 discrete ones, with the same
 // numbers.
 enum MissingKind : int {
@@ -40,9 +51,13 @@ constexpr int kMostMissing = 3;
 constexpr int kMissingTextBytes = 8;  // A string missing value is at most as long as one unit of a case.
 
 // The words of data descriptions: "nominal", "ordinal", "scale"; "input", "target", "both", "none", "partition",
-// "split". Nothing for another word.
+// "split"; "left", "right", "center". Nothing for another word.
 std::optional<Measure> measureOf(std::string_view word);
 std::optional<Role> roleOf(std::string_view word);
+std::optional<Alignment> alignmentOf(std::string_view word);
+
+// The word of a level; "unknown" for none.
+std::string_view wordOf(Measure measure);
 
 }  // namespace kova::engine
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/attributes.h"
 #include "engine/format.h"
 #include "engine/value_codes.h"
 
@@ -16,12 +17,16 @@ struct MissingValues {
   int kind = kNoMissing;
   std::array<double, kMostMissing> numbers{};
   std::array<std::string, kMostMissing> texts{};
+
+  bool operator==(const MissingValues&) const = default;
 };
 
 template <typename Value>
 struct ValueLabel {
   Value value;
   std::string label;
+
+  bool operator==(const ValueLabel&) const = default;
 };
 
 struct Variable {
@@ -31,11 +36,15 @@ struct Variable {
   Format format;
   Measure measure = Measure::kUnknown;
   Role role = Role::kInput;
+  Alignment alignment = Alignment::kRight;
+  int columnWidth = kUsualColumnWidth;
   MissingValues missing;
   std::vector<ValueLabel<double>> numberLabels;     // Of a numeric variable, in the order in which they were given.
   std::vector<ValueLabel<std::string>> textLabels;  // Of a string variable.
+  Attributes attributes;
 
   bool isNumeric() const { return width == 0; }
+  bool operator==(const Variable&) const = default;
 };
 
 }  // namespace kova::engine

@@ -8,9 +8,11 @@ packages=(
   g++-mingw-w64-x86-64-posix wine wine64
   clang libclang-rt-14-dev clang-format
   googletest nlohmann-json3-dev libcli11-dev
+  chromium fonts-dejavu-core
+  python3-pycparser doxygen
 )
 # Built from Debian's sources, because they are needed for Windows and under sanitizers too.
-source_packages=(libcsv benchmark)
+source_packages=(libcsv pugixml benchmark)
 
 fail() { echo "${0##*/}: $*" >&2; exit 1; }
 

@@ -30,6 +30,8 @@ SYSTEM_HEADER = re.compile(
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"')
 PLATFORM_TEST = re.compile(r"\b(_WIN32|_WIN64|__linux__|__unix__|__APPLE__)\b")
 MAX_LINES = 600
+# The one C header, most of it comment: who calls the library from another language has one file to read.
+MAY_BE_LONG = ("src/api/kovadx.h",)
 
 
 def folder_of(path):
@@ -73,7 +75,7 @@ def check_file(root, name):
     if name.startswith("src/"):
         yield from check_includes(name, lines)
     yield from check_platform(name, lines)
-    if len(lines) > MAX_LINES:
+    if len(lines) > MAX_LINES and name not in MAY_BE_LONG:
         yield f"{name}: {len(lines)} lines; split it, at most {MAX_LINES}"
 
 

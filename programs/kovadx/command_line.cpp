@@ -15,9 +15,13 @@ constexpr const char* kExamples =
     "Examples:\n"
     "  kovadx run --data examples/penguins -- examples/penguins/describe\n"
     "  kovadx run --data examples/penguins -- python3 examples/penguins/describe.py\n"
+    "  kovadx run --data examples/penguins --output report.html -- python3 examples/penguins/summary.py\n"
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
+    "  kovadx decode request.bin\n"
+    "  kovadx explain 99104\n"
     "\n"
-    "Exit code: the program's own, or 128 + the signal that ended it; 127 when the program was not found, 126 when it\n"
+    "Exit code of run: the program's own, or 128 + the signal that ended it; 127 when the program was not found, 126 "
+    "when it\n"
     "could not be run, 125 when kovadx itself failed.";
 
 // The instance name becomes a part of the pipes' names.
@@ -52,23 +56,52 @@ int finish(const CLI::App& app, const CLI::ParseError& end) {
   return kOwnFailure;
 }
 
-}  // namespace
-
-std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, int* exitCode) {
-  RunOptions options;
-  options.program = takeProgram(&arguments);
-  CLI::App app("Runs programs that talk to a statistics engine.", "kovadx");
-  app.set_version_flag("--version", std::string("kovadx ") + KOVADX_VERSION, "Print the version and end");
-  app.footer(kExamples);
-  app.require_subcommand(1);
-  CLI::App* run = app.add_subcommand("run",
-                                     "Start an engine, run a program beside it, and end as the program ends:\n"
-                                     "kovadx run [--data DATAPACKAGE] [--name NAME] [--home DIR] -- PROGRAM ARGS...");
+void addRun(CLI::App* app, RunOptions& options) {
+  CLI::App* run =
+      app->add_subcommand("run",
+                          "Start an engine, run a program beside it, and end as the program ends:\n"
+                          "kovadx run [--data DATAPACKAGE] [--output REPORT.html] [--name NAME] [--home DIR] "
+                          "-- PROGRAM ARGS...");
   run->footer(kExamples);
   run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder")->check(checkPath);
   run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
   run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)")
       ->check(checkPath);
+  run->add_option("--output", options.output, "The HTML file that the report of all output is written to")
+      ->check(checkPath);
+}
+
+CLI::App* addDecode(CLI::App* app, DecodeOptions& options) {
+  CLI::App* decode = app->add_subcommand("decode", "Print the messages of a file as text: kovadx decode FILE");
+  decode->add_option("FILE", options.path, "The bytes of one message or several")->required()->check(checkPath);
+  return decode;
+}
+
+CLI::App* addExplain(CLI::App* app, ExplainOptions& options) {
+  CLI::App* explain = app->add_subcommand("explain", "Tell what an error code means: kovadx explain [CODE]");
+  explain->add_option("CODE", options.code, "The code; all of them when it is left out");
+  return explain;
+}
+
+int noProgram() {
+  printError("no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...");
+  return kOwnFailure;
+}
+
+}  // namespace
+
+std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int* exitCode) {
+  RunOptions run;
+  DecodeOptions decode;
+  ExplainOptions explain;
+  run.program = takeProgram(&arguments);
+  CLI::App app("Runs programs that talk to a statistics engine.", "kovadx");
+  app.set_version_flag("--version", std::string("kovadx ") + KOVADX_VERSION, "Print the version and end");
+  app.footer(kExamples);
+  app.require_subcommand(1);
+  addRun(&app, run);
+  const CLI::App* const toDecode = addDecode(&app, decode);
+  const CLI::App* const toExplain = addExplain(&app, explain);
   try {
     std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
     app.parse(arguments);
@@ -76,13 +109,14 @@ std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, i
     *exitCode = finish(app, end);
     return std::nullopt;
   }
-  if (options.program.empty()) {
-    printError("no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...");
-    *exitCode = kOwnFailure;
+  if (toDecode->parsed()) return decode;
+  if (toExplain->parsed()) return explain;
+  if (run.program.empty()) {
+    *exitCode = noProgram();
     return std::nullopt;
   }
-  toUpper(&options.name);
-  return options;
+  toUpper(&run.name);
+  return run;
 }
 
 void printError(const std::string& message) {

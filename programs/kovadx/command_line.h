@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace kova::program {
@@ -18,12 +19,23 @@ struct RunOptions {
   std::string data;                  // A Data Package's descriptor or folder; empty for an engine without data.
   std::string name = "EXTERNAL";     // The instance name, in upper case.
   std::string home;                  // The home folder; empty for kovadx's own.
+  std::string output;                // Where the report is written; empty for none.
   std::vector<std::string> program;  // The program and its arguments; never empty.
 };
 
-// Reads the arguments (without kovadx itself). Nothing when there is nothing to run: the help or the version has then
+// What "kovadx decode" and "kovadx explain" were asked for.
+struct DecodeOptions {
+  std::string path;
+};
+struct ExplainOptions {
+  std::string code;  // Empty for all of them.
+};
+
+using Command = std::variant<RunOptions, DecodeOptions, ExplainOptions>;
+
+// Reads the arguments (without kovadx itself). Nothing when there is nothing to do: the help or the version has then
 // been printed, or an error in one line, and *exitCode is what kovadx ends with.
-std::optional<RunOptions> parseCommandLine(std::vector<std::string> arguments, int* exitCode);
+std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int* exitCode);
 
 // Prints "kovadx: <message>" on the error stream.
 void printError(const std::string& message);

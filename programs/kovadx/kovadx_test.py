@@ -11,6 +11,7 @@ import os
 import pathlib
 import shutil
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -127,6 +128,57 @@ class CommandLine(KovadxTest):
                 self.assertEqual(self.kovadx(*arguments), (125, [], [line]))
 
 
+class Diagnostics(KovadxTest):
+    REQUEST = struct.pack("<14i", 56, 10, 0, 1, 1, *[0] * 9)
+
+    def decode(self, data):
+        path = self.scratch / "messages.bin"
+        path.write_bytes(data)
+        return self.kovadx("decode", path)
+
+    def test_messages_are_shown_one_behind_the_other(self):
+        reply = (struct.pack("<7i", 84, 10, 0, 0, 0, 1, 10) + b'A "label"\n' + struct.pack("<4i", *[0] * 4) +
+                 struct.pack("<2i", 0, 3) + b"a\0b\0c\0" + struct.pack("<i", 0))
+        reply = struct.pack("<i", len(reply)) + reply[4:]
+        self.assertEqual(self.decode(self.REQUEST + reply), (0, [
+            "message 1 at byte 0, 56 bytes",
+            "  command       10 GetVariableLabel",
+            "  error         0",
+            "  integers      1",
+            f"message 2 at byte 56, {len(reply)} bytes",
+            "  command       10 GetVariableLabel",
+            "  error         0",
+            '  texts         "A \\"label\\"\\u000a"',
+            "  wide text     6 bytes: 61 00 62 00 63 00",
+        ], []))
+
+    def test_damage_is_placed(self):
+        start = ["message 1 at byte 0, 56 bytes", "  command       10 GetVariableLabel", "  error         0"]
+        for data, lines in (
+            (self.REQUEST[:20], [*start, "  integers      1", "  cut short: only 20 bytes are there"]),
+            (self.REQUEST[:12] + b"\xff\xff\xff\x7f" + self.REQUEST[16:],
+             [*start, "  damaged: the field at byte 12 does not fit the message"]),
+            (b"\x33\0\0\0" + bytes(60),
+             ["at byte 0: no message; its first four bytes, the length, must be at least 52"]),
+        ):
+            with self.subTest(data=data):
+                self.assertEqual(self.decode(data), (1, lines, []))
+
+    def test_a_missing_file(self):
+        line = f"kovadx: {self.scratch / 'none'} can not be read; check the path"
+        self.assertEqual(self.kovadx("decode", self.scratch / "none"), (125, [], [line]))
+
+    def test_codes_are_explained(self):
+        code, output, errors = self.kovadx("explain", "109")
+        self.assertEqual((code, output[0], len(output), errors), (0, "109 PipeBroken", 3, []))
+        self.assertEqual(self.kovadx("explain", "-12345"), (
+            1, [], ["kovadx: the code -12345 is not known here; it is the engine's or the system's own"]))
+        self.assertEqual(self.kovadx("explain", "x"), (125, [], ['kovadx: expected a number, found "x"']))
+        code, output, _ = self.kovadx("explain")
+        self.assertEqual((code, output[0]), (0, "0 None"))
+        self.assertGreater(len(output), 300)
+
+
 class Examples(KovadxTest):
     def test_the_c_program_prints_the_dictionary(self):
         self.assertEqual(self.kovadx("run", "--data", PENGUINS, "--", self.describe()), (0, EXPECTED, []))
@@ -192,6 +244,89 @@ class Programs(KovadxTest):
     def test_a_program_that_is_not_there(self):
         run = self.kovadx("run", "--", "no-such-program")
         self.assertEqual(run, (127, [], ["kovadx: program not found: no-such-program; check its path, or PATH"]))
+
+
+class Reports(KovadxTest):
+    def test_the_report_is_written_at_the_end(self):
+        report = self.scratch / "report.html"
+        report.write_text("an older one")
+        run = self.kovadx("run", "--data", PENGUINS, "--output", report, "--", self.describe())
+        self.assertEqual(run, (0, EXPECTED, []))
+        page = report.read_text(encoding="utf-8")
+        self.assertTrue(page.startswith("<!DOCTYPE html>"), page[:40])
+        self.assertIn("There is no output.", page)
+        self.assertEqual([path.name for path in self.scratch.glob("report*")], ["report.html"])
+
+    def test_a_report_that_can_not_be_written_stops_everything(self):
+        marker = self.scratch / "marker"
+        for path in (self.scratch / "no" / "report.html", self.scratch):
+            with self.subTest(path=path):
+                shell = self.shell(f"echo x > {marker}", f"echo x > {marker}")
+                code, output, errors = self.kovadx("run", "--output", path, "--", *shell)
+                self.assertEqual((code, output, len(errors)), (125, [], 1))
+                self.assertRegex(errors[0], r"^kovadx: can not write the report to .+ \(.+\); give --output another path$")
+                self.assertFalse(marker.exists(), "the program was started all the same")
+
+
+# Puts out a procedure between lines of its own, posts a line and leaves a procedure open.
+REPORTER = """
+import ctypes, os
+library = ctypes.CDLL(os.environ["KOVA_HOME"] + "/libkovadx.so")
+library.SetXNameAndSHome(os.environ["KOVA_XNAME"].encode(), os.environ["KOVA_HOME"].encode())
+library.SetKovaRunning(True)
+def call(name, *arguments):
+    code = getattr(library, name)(*[a.encode() if isinstance(a, str) else a for a in arguments])
+    assert code == 0, (name, code)
+table = ("", "Counts", "counts", False)
+row = ("Species", 0, 1, False, False)
+print("before", flush=True)
+call("StartProcedure", "Count", "Penguins counted")
+call("StartPivotTable", *table)
+call("AddDimension", *table, *row)
+call("SetFormatSpecCount")
+for species, count in (("Adelie", 152.0), ("Gentoo", 124.0)):
+    call("AddStringCategory", *table, *row, species)
+    call("SetNumberCell", *table, *row, ctypes.c_double(count))
+print("inside", flush=True)
+call("EndProcedure")
+print("behind", flush=True)
+call("PostKovaOutput", "posted", 6)
+call("StartProcedure", "Open", None)
+"""
+
+
+class PosixReports(KovadxTest):
+    def run_reporter(self, *options):
+        script = self.scratch / "reporter.py"
+        script.write_text(REPORTER)
+        return self.kovadx("run", *options, "--", "/usr/bin/python3", script, preload=True)
+
+    def test_output_stands_between_the_programs_lines(self):
+        code, output, errors = self.run_reporter()
+        self.assertEqual((code, errors), (0, []))
+        self.assertEqual(output, [
+            "before", "inside",
+            "Penguins counted", "================", "", "Counts", "",
+            "Species", "-------  ---", "Adelie   152", "Gentoo   124", "",
+            "behind", "posted", "", "Open", "====", ""])
+
+    def test_the_report_holds_everything(self):
+        report = self.scratch / "report.html"
+        link = self.scratch / "link.html"
+        link.symlink_to(report)
+        self.assertEqual(self.run_reporter("--output", link)[0], 0)
+        self.assertTrue(link.is_symlink(), "the file behind the link is written")
+        page = report.read_text(encoding="utf-8")
+        for part in ("Penguins counted", '<td class="n">152</td>', "posted", ">Open</h2>"):
+            self.assertIn(part, page)
+
+    def test_a_report_that_fails_late_is_told(self):
+        folder = self.scratch / "folder"
+        folder.mkdir()
+        report = folder / "report.html"
+        code, output, errors = self.kovadx("run", "--output", report, "--", "/bin/rmdir", folder)
+        self.assertEqual((code, output, len(errors)), (125, [], 1))
+        self.assertIn(f"kovadx: the report could not be written to {report} (", errors[0])
 
 
 class PosixExamples(KovadxTest):
@@ -270,13 +405,14 @@ class PosixPrograms(KovadxTest):
     def test_a_program_that_dies_in_a_call(self):
         script = self.scratch / "dies.py"
         script.write_text(
-            "import os, runpy, signal, sys, threading\n"
-            "describe = runpy.run_path(sys.argv[1])\n"
-            "engine = describe['Engine'](os.environ['KOVA_XNAME'], os.environ['KOVA_HOME'])\n"
+            "import os, signal, sys, threading\n"
+            "sys.dont_write_bytecode = True\n"
+            "sys.path.insert(0, sys.argv[1])\n"
+            "from kova_engine import Engine\n"
+            "engine = Engine()\n"
             "threading.Timer(0.05, lambda: os.kill(os.getpid(), signal.SIGKILL)).start()\n"
             "while True: engine.value('GetVariableCount')\n")
-        run = self.kovadx("run", "--data", PENGUINS, "--", "/usr/bin/python3", script, PENGUINS / "describe.py",
-                          preload=True)
+        run = self.kovadx("run", "--data", PENGUINS, "--", "/usr/bin/python3", script, PENGUINS, preload=True)
         self.assertEqual(run, (137, [], []))
 
 
@@ -307,8 +443,9 @@ class PosixShortage(KovadxTest):
 
     def test_a_shortage_is_waited_out(self):
         script = (
-            "describe = runpy.run_path(sys.argv[1])\n"
-            "engine = describe['Engine'](os.environ['KOVA_XNAME'], os.environ['KOVA_HOME'])\n"
+            "sys.path.insert(0, os.path.dirname(sys.argv[1]))\n"
+            "import kova_engine\n"
+            "engine = kova_engine.Engine()\n"
             "threading.Timer(0.3, restore).start()\n"
             "print(engine.value('GetVariableCount'))\n")
         for lacks, room in (("the request pipe's client", 0), ("the reply pipe", 1)):
@@ -386,8 +523,8 @@ class PosixEnding(KovadxTest):
 
 
 # What runs under an emulator too, and what needs a shell and signals of this system.
-PORTABLE = (Home, CommandLine, Examples, Programs)
-POSIX = (PosixExamples, PosixPrograms, PosixShortage, PosixEnding)
+PORTABLE = (Home, CommandLine, Diagnostics, Examples, Programs, Reports)
+POSIX = (PosixExamples, PosixReports, PosixPrograms, PosixShortage, PosixEnding)
 
 
 def main():

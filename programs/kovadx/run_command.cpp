@@ -18,6 +18,7 @@
 #include "platform/os/file.h"
 #include "platform/os/named_pipe.h"
 #include "platform/os/process.h"
+#include "report_file.h"
 #include "transport/KovaPipe.h"
 #include "transport/XPipes.h"
 
@@ -185,6 +186,27 @@ bool openData(const RunOptions& options, engine::Engine* engine) {
   return true;
 }
 
+// A piece of output goes out whole. The program waits for its call meanwhile, so that no line of its own comes between.
+void print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+bool canWriteReport(const RunOptions& options) {
+  std::string problem;
+  if (options.output.empty() || ReportFile(options.output).check(&problem)) return true;
+  printError("can not write the report to " + options.output + " (" + problem + "); give --output another path");
+  return false;
+}
+
+// The program's exit code; kovadx's own when the program did well and its report could not be written.
+int writeReport(const RunOptions& options, const engine::Engine& engine, int exitCode) {
+  std::string problem;
+  if (options.output.empty() || ReportFile(options.output).write(engine.htmlOutput(), &problem)) return exitCode;
+  printError("the report could not be written to " + options.output + " (" + problem + ")");
+  return exitCode == 0 ? kOwnFailure : exitCode;
+}
+
 // The process-wide objects of the library, for as long as the engine serves.
 class LibraryState {
  public:
@@ -205,8 +227,10 @@ int runCommand(const RunOptions& options) {
     printError("no such home folder: " + named + "; give the folder that holds the library with --home");
     return kOwnFailure;
   }
+  if (!canWriteReport(options)) return kOwnFailure;
   engine::Engine engine;
   if (!openData(options, &engine)) return kOwnFailure;
+  engine.onOutput(print);
   const LibraryState library(home);
   // A folder that is not as it should be is told of when the program is served.
   os::SweepStalePipes(XPipes::XDAPI_PIPE);
@@ -214,7 +238,9 @@ int runCommand(const RunOptions& options) {
   os::Process program;
   const os::Error error = os::Process::Start(programStart(options, home), &program);
   if (error != os::kSuccess) return reportNotStarted(options.program.front(), error);
-  return serve(&engine, options, &program);
+  const int exitCode = serve(&engine, options, &program);
+  engine.endOutput();
+  return writeReport(options, engine, exitCode);
 }
 
 }  // namespace kova::program

@@ -34,13 +34,13 @@ int sendRequest(KovaPipe& pipe, CleXDSmb& request) {
 }
 
 // What ConnectPipe gives is not looked at: 535 is a client that came first, and where there is no connection the read
-// says so.
-int receiveReply(KovaPipe& pipe, CleXDSmb& reply) {
+// says so. The engine's own code comes as the result of a reply that was put together.
+int receiveReply(KovaPipe& pipe, CleXDSmb& reply, EngineCode engineCode) {
   if (!pipe.IsWritePipeConnected()) pipe.ConnectPipe();
   int status = 0;
   const int code = ReceiveMessage(&pipe, reply, &status);
   SetLastReceiveStatus(status);
-  return code;
+  return engineCode == EngineCode::kIgnored ? status : code;
 }
 
 void pack(Command command, std::span<const CallItem> items, CleXDSmb& request) {
@@ -56,7 +56,7 @@ void unpack(std::span<const CallItem> items, const CleXDSmb& reply) {
   }
 }
 
-int converse(Command command, std::span<const CallItem> items, int* errorCode) {
+int converse(Command command, std::span<const CallItem> items, int* errorCode, EngineCode engineCode) {
   CleXDSmb request;
   pack(command, items, request);
   const CallPipes pipes = SelectPipes();
@@ -65,16 +65,20 @@ int converse(Command command, std::span<const CallItem> items, int* errorCode) {
   // A request that could not be built was never sent, and nobody will answer it.
   if (code == kNotEnoughMemory) return code;
   CleXDSmb reply;
-  code = store(errorCode, receiveReply(*pipes.reply, reply));
-  if (code == 0) code = reply.GetErrorCode();
+  code = store(errorCode, receiveReply(*pipes.reply, reply, engineCode));
   if (code == 0) unpack(items, reply);
   return code;
 }
 
 }  // namespace
 
-int Exchange(Command command, std::span<const CallItem> items, int* errorCode) noexcept {
-  return store(errorCode, Guarded([&] { return converse(command, items, errorCode); }));
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode, EngineCode engineCode) noexcept {
+  return store(errorCode, Guarded([&] { return converse(command, items, errorCode, engineCode); }));
+}
+
+bool Affirmed(Command command) {
+  int answer = 0;
+  return Tell(command, IntoLong{&answer}) == 0 && answer != 0;
 }
 
 }  // namespace kova

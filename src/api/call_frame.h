@@ -16,13 +16,17 @@
 #include <array>
 #include <span>
 
-#include "api/call_items.h"
+#include "api/call_arguments.h"
+#include "api/call_results.h"
 #include "api/client_state.h"
 #include "message/CleXDSmb.h"
 
 namespace kova {
 
 constexpr int kEngineNotRunning = 17;
+
+// What the engine's own code in a whole reply means to the call.
+enum class EngineCode { kEndsTheCall, kIgnored };
 
 // A reference to one item of a call, without its type, so that the conversation is compiled once and not once a
 // function. `append` or `take` is null where the item has none.
@@ -36,9 +40,12 @@ struct CallItem {
 // it. Result: 0; 99104 at once when there are no pipes; 8 when memory runs out; else the transport's or the engine's
 // code. *errorCode (may be null) gets the code as it stands after sending, after receiving and at the end.
 //
+// Where the engine's code is ignored, the result is the transport's alone, and what came with the code is unpacked.
+//
 // Deliberate: when the request can not be sent - after 20 attempts, 100 ms apart, to open its pipe - the call still
 // waits for a reply, without limit.
-int Exchange(Command command, std::span<const CallItem> items, int* errorCode) noexcept;
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode,
+             EngineCode engineCode = EngineCode::kEndsTheCall) noexcept;
 
 template <class Item>
 CallItem itemOf(const Item& item) {
@@ -52,13 +59,36 @@ CallItem itemOf(const Item& item) {
   return result;
 }
 
-// A call of the status shape: 17 at once when the engine is not running, otherwise the conversation's result.
+// The conversation, whether or not the engine is marked as running.
+template <class... Items>
+int Send(Command command, int* errorCode, const Items&... items) {
+  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
+  return Exchange(command, list, errorCode);
+}
+
+// The same, but 17 at once when the engine is not running.
+template <class... Items>
+int SendWhenRunning(Command command, int* errorCode, const Items&... items) {
+  if (IsEngineRunning()) return Send(command, errorCode, items...);
+  if (errorCode) *errorCode = kEngineNotRunning;
+  return kEngineNotRunning;
+}
+
+// A call of the status shape.
 template <class... Items>
 int Tell(Command command, const Items&... items) {
-  if (!IsEngineRunning()) return kEngineNotRunning;
-  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
-  return Exchange(command, list, nullptr);
+  return SendWhenRunning(command, nullptr, items...);
 }
+
+// The conversation of the few functions that take what the reply holds whatever the engine's own code is.
+template <class... Items>
+int Fetch(Command command, int* errorCode, const Items&... items) {
+  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
+  return Exchange(command, list, errorCode, EngineCode::kIgnored);
+}
+
+// A question to a running engine: true when its answer is a number other than 0, false on any error.
+bool Affirmed(Command command);
 
 // A call of the value shape: the reply's value, 0 or null when the call failed. It goes to the engine whether or not
 // that is marked as running.

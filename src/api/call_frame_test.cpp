@@ -177,25 +177,6 @@ TEST_F(CallFrame, AWholeReplyClearsTheReceiveStatus) {
   EXPECT_EQ(KovaLastReceiveStatus(), 0);
 }
 
-TEST_F(CallFrame, NullOutputsAreDropped) {
-  StartEngine({.longs = {2, 8, 2}, .doubles = {1, 2, 3}, .texts = {"a", "b", "c"}, .lists = {{"x", "y"}, {"z", "w"}}});
-  EXPECT_EQ(GetVariableCount(nullptr), 2);
-  EXPECT_STREQ(GetVariableName(0, nullptr), "a");
-  EXPECT_EQ(GetVariableFormatType(0, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(GetVarNMissingValues(0, nullptr, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(GetVarCMissingValues(0, nullptr, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(GetNValueLabels(0, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(GetCValueLabels(0, nullptr, nullptr, nullptr), 0);
-  EXPECT_EQ(GetSystemMissingValue(nullptr), 0);
-}
-
-TEST_F(CallFrame, ANullTextIsNotSent) {
-  StartEngine(WireImage{});
-  EXPECT_EQ(Submit(nullptr, 4), 0);
-  EXPECT_EQ(Submit("abc", -1), 0);
-  EXPECT_THAT(Requests(), ElementsAre(WireImage{.code = 0}.bytes(), WireImage{.code = 0, .texts = {""}}.bytes()));
-}
-
 TEST_F(CallFrame, TextResultsShareOneBlock) {
   StartEngine([](const Bytes& request) {
     return Answer{WireImage{.texts = {"variable " + std::to_string(request[16])}}.bytes()};

@@ -1,7 +1,5 @@
 #include "api/caller_memory.h"
 
-#include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <new>
 
@@ -16,23 +14,24 @@ void* allocate(std::size_t size) {
 
 }  // namespace
 
-char* CopyForCaller(const std::string& text) {
-  char* const copy = static_cast<char*>(allocate(text.size() + 1));
-  std::memcpy(copy, text.c_str(), text.size() + 1);
+CallerText CopyForCaller(const char* bytes, std::size_t length) {
+  CallerText copy(static_cast<char*>(allocate(length + 1)));
+  if (length > 0) std::memcpy(copy.get(), bytes, length);
+  copy[length] = '\0';
   return copy;
 }
 
+CallerText CopyForCaller(const std::string& text) { return CopyForCaller(text.data(), text.size()); }
+
 CallerDoubles::CallerDoubles(const DoubleData& doubles, int count)
     : values_(static_cast<double*>(allocate(static_cast<std::size_t>(count) * sizeof(double)))) {
-  std::memcpy(values_, doubles.values().data(), static_cast<std::size_t>(count) * sizeof(double));
+  std::memcpy(values_.get(), doubles.values().data(), static_cast<std::size_t>(count) * sizeof(double));
 }
 
-CallerDoubles::~CallerDoubles() { std::free(values_); }
-
-CallerTexts::CallerTexts(const StringData& texts, int count)
+CallerTexts::CallerTexts(const StringData& texts, int first, int count)
     : texts_(static_cast<char**>(allocate(static_cast<std::size_t>(count) * sizeof(char*)))) {
   try {
-    for (; count_ < count; ++count_) texts_[count_] = CopyForCaller(texts[count_]);
+    for (; count_ < count; ++count_) texts_[count_] = CopyForCaller(texts[first + count_]).release();
   } catch (...) {
     FreeTexts(texts_, count_);
     throw;

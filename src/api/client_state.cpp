@@ -12,6 +12,7 @@ namespace {
 
 std::atomic<bool> engineRunning = false;
 std::atomic<int> lastReceiveStatus = 0;
+std::atomic<unsigned short*> wideText = nullptr;
 
 // The shared text in one heap block: its room, then as many bytes.
 struct SharedText {
@@ -40,7 +41,7 @@ int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxe
 
 void SetLastReceiveStatus(int status) { lastReceiveStatus.store(status, std::memory_order_relaxed); }
 
-const char* KeepSharedText(const std::string& text) {
+char* KeepSharedText(const std::string& text) {
   SharedText* const block = roomFor(text.size() + 1, sharedText.exchange(nullptr));
   if (!block) throw std::bad_alloc();
   std::memcpy(block->text(), text.c_str(), text.size() + 1);
@@ -49,6 +50,17 @@ const char* KeepSharedText(const std::string& text) {
 }
 
 void DropSharedText() { std::free(sharedText.exchange(nullptr)); }
+
+const unsigned short* KeepWideText(const WideUnit* text) {
+  const std::size_t units = text ? std::char_traits<WideUnit>::length(text) : 0;
+  auto* const copy = static_cast<unsigned short*>(std::calloc(units + 1, sizeof(WideUnit)));
+  if (!copy) throw std::bad_alloc();
+  if (units > 0) std::memcpy(copy, text, units * sizeof(WideUnit));
+  std::free(wideText.exchange(copy));
+  return copy;
+}
+
+void DropWideText() { std::free(wideText.exchange(nullptr)); }
 
 ClientIdentity& StoredIdentity() {
   static NeverDestroyed<ClientIdentity> identity;

@@ -1,12 +1,14 @@
 // What the client side of a process remembers between its calls.
 //
-// One state for the process, never destroyed. Flags, status and the shared text may be touched on any thread, since a
+// One state for the process, never destroyed. Flags, status and the kept texts may be touched on any thread, since a
 // nested run calls on a second thread while the first one waits; the texts of ClientIdentity belong to the thread that
 // calls the client interface.
 #ifndef KOVADX_API_CLIENT_STATE_H
 #define KOVADX_API_CLIENT_STATE_H
 
 #include <string>
+
+#include "message/wide_text.h"
 
 namespace kova {
 
@@ -20,10 +22,18 @@ void SetLastReceiveStatus(int status);
 
 // Keeps a copy of the text in the one block that the text-returning calls share, in place of the earlier one, and
 // returns it. It lives until the next call of this or of DropSharedText. Throws std::bad_alloc; no text is kept then.
-const char* KeepSharedText(const std::string& text);
+char* KeepSharedText(const std::string& text);
 
 // Frees the shared text.
 void DropSharedText();
+
+// Keeps a copy of the NUL-terminated wide text (null counts as empty) in the one block of its kind, in place of the
+// earlier one, and returns it. It lives until the next call of this or of DropWideText. Throws std::bad_alloc, the
+// earlier text kept.
+const unsigned short* KeepWideText(const WideUnit* text);
+
+// Frees the wide text.
+void DropWideText();
 
 // What SetXNameAndSHome and SetRTempFolderToKOVA have stored.
 struct ClientIdentity {

@@ -1,4 +1,4 @@
-// Calls about the variables of the active data set.
+// Calls that read the dictionary of the active data set.
 #include "api/call_frame.h"
 #include "api/kovadx.h"
 
@@ -46,4 +46,40 @@ int GetCValueLabels(int index, char*** values, char*** labels, int* count) {
   return Tell(Command::GetCValueLabels, Long{index}, IntoTextLabels{values, labels, count});
 }
 
+int GetVarAttributeNames(int index, char*** names, int* count) {
+  return Tell(Command::GetVarAttributeNames, Long{index}, IntoCountedTexts{names, count});
+}
+
+int GetVarAttributes(int index, const char* attrName, char*** attributes, int* count) {
+  return Tell(Command::GetVarAttributes, Long{index}, Text{attrName}, IntoCountedTexts{attributes, count});
+}
+
+int GetDataFileAttributeNames(char*** names, int* count) {
+  return Tell(Command::GetDataFileAttributeNames, IntoCountedTexts{names, count});
+}
+
+int GetDataFileAttributes(const char* attrName, char*** attributes, int* count) {
+  return Tell(Command::GetDataFileAttributes, Text{attrName}, IntoCountedTexts{attributes, count});
+}
+
+char** GetMultiResponseSetNames(int* count, int* errorCode) {
+  char** names = nullptr;
+  Send(Command::GetMultiResponseSetNames, errorCode, IntoTexts{&names, count});
+  return names;
+}
+
+int GetMultiResponseSet(const char* setName, char** label, int* codeAs, char** countedValue, char*** varNames,
+                        int* varCount) {
+  return Tell(Command::GetMultiResponseSet, Text{setName},
+              IntoResponseSet{label, codeAs, countedValue, varNames, varCount});
+}
+
+const char* GetWeightVar(int* errorCode) { return Ask<const char*>(Command::GetWeightVar, errorCode); }
+
 int GetSystemMissingValue(double* value) { return Tell(Command::GetSystemMissingValue, IntoDouble{value}); }
+
+int GetKOVALowHigh(double* low, double* high) { return Tell(Command::GetKOVALowHigh, IntoDoublePair{low, high}); }
+
+int ValidateVarName(const char* name, int* result) {
+  return Tell(Command::ValidateVarName, Text{name}, IntoLong{result});
+}

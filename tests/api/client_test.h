@@ -27,6 +27,8 @@ struct WireImage {
   std::vector<double> doubles = {};
   std::vector<std::string> texts = {};
   std::vector<std::vector<std::string>> lists = {};
+  std::string binary = {};
+  std::u16string wide = {};
 
   kit::Bytes bytes() const {
     kit::Bytes out;
@@ -42,8 +44,10 @@ struct WireImage {
     put(out, 0);  // Double arrays.
     put(out, size(lists));
     for (const auto& list : lists) putTexts(out, list);
-    put(out, 0);  // Binary string.
-    put(out, 0);  // Wide string.
+    put(out, size(binary));
+    out.insert(out.end(), binary.begin(), binary.end());
+    put(out, size(wide));
+    for (const char16_t unit : wide) put(out, static_cast<std::uint16_t>(unit));
     put(out, 0);  // Void data.
     kit::Bytes whole;
     put(whole, static_cast<std::int32_t>(out.size()) + 4);
@@ -92,7 +96,9 @@ class ClientTest : public TracedTest {
     EndConversation();
     SetKovaRunning(false);
     SetXNameAndSHome(nullptr, nullptr);
+    SetRecordBrowserOutput(nullptr, false);
     DropSharedText();
+    DropWideText();
   }
 
   // Starts an engine that gives each request the answer that `script` makes.

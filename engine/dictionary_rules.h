@@ -1,0 +1,41 @@
+// Which properties a variable may have. Each function makes a property of the values of a request, or answers with the
+// code of what is wrong and leaves its result alone.
+#ifndef KOVADX_ENGINE_DICTIONARY_RULES_H
+#define KOVADX_ENGINE_DICTIONARY_RULES_H
+
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include "engine/data_set.h"
+#include "engine/error_codes.h"
+
+namespace kova::engine {
+
+// The lowest and the highest number that a range of missing values can begin and end with: all but system-missing.
+constexpr double kLowestNumber = std::bit_cast<double>(std::uint64_t{0xFFEFFFFFFFFFFFFE});
+constexpr double kHighestNumber = std::numeric_limits<double>::max();
+
+// False for what is not finite and for system-missing.
+bool isValidNumber(double number);
+
+ErrorCode makeFormat(const Variable& variable, int type, int width, int decimals, Format* format);
+ErrorCode makeMissing(const Variable& variable, int kind, const std::array<double, kMostMissing>& numbers,
+                      MissingValues* missing);
+ErrorCode makeMissing(const Variable& variable, int kind, const std::array<std::string, kMostMissing>& texts,
+                      MissingValues* missing);
+
+// Gives the variable another type, 0 or a width. Texts of the cases are cut or filled up; labels and missing values
+// that no longer fit go. With another kind the cases have no value of it, and format and alignment are those of a new
+// variable.
+ErrorCode changeType(DataSet* dataSet, std::size_t position, int type);
+
+// Renames it wherever the data set names it.
+ErrorCode renameVariable(DataSet* dataSet, std::size_t position, const std::string& name);
+
+}  // namespace kova::engine
+
+#endif
