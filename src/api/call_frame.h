@@ -80,7 +80,8 @@ int Tell(Command command, const Items&... items) {
   return SendWhenRunning(command, nullptr, items...);
 }
 
-// The conversation of the few functions that take what the reply holds whatever the engine's own code is.
+// The conversation of the few functions that take what the reply holds whatever the engine's own code is. For them a
+// reply that was cut short is a failure of the transport, since no other code would tell.
 template <class... Items>
 int Fetch(Command command, int* errorCode, const Items&... items) {
   const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};

@@ -254,7 +254,10 @@ TEST_F(CallFrame, NothingThrown) {
   EXPECT_EQ(kova::Guarded([] { return 4; }), 4);
 }
 
-// An argument that finds no memory, as a result may as well.
+// An argument and a result that find no memory.
+struct ThrowingResult {
+  void take(const CleXDSmb&) const { throw std::bad_alloc(); }
+};
 struct Throwing {
   void append(CleXDSmb&) const { throw std::bad_alloc(); }
 };
@@ -263,6 +266,11 @@ TEST_F(CallFrame, MemoryThatRunsOutEndsInEight) {
   int code = -1;
   EXPECT_EQ(kova::Tell(kova::Command::Submit, Throwing{}), 8);
   EXPECT_EQ(kova::Ask<const char*>(kova::Command::GetVariableName, &code, Throwing{}), nullptr);
+  EXPECT_EQ(code, 8);
+  StartEngine({.texts = {"text"}});
+  EXPECT_EQ(kova::Tell(kova::Command::Submit, ThrowingResult{}), 8);
+  code = -1;
+  EXPECT_EQ(kova::Ask<const char*>(kova::Command::GetVariableName, &code, ThrowingResult{}), nullptr);
   EXPECT_EQ(code, 8);
 }
 

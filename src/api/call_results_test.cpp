@@ -109,12 +109,14 @@ TEST_F(CallResults, TheSettingSharesTheTextOfTheOtherCalls) {
   char* value = nullptr;
   EXPECT_EQ(GetSetting("a", "b", &value), 0);
   EXPECT_STREQ(value, "first");
-  reply.texts = {"second"};
+  reply.texts = {"other"};
   const char* const name = GetWeightVar(nullptr);
-  EXPECT_STREQ(name, "second");
+  EXPECT_STREQ(name, "other");
+  EXPECT_EQ(static_cast<const char*>(value), name);
   reply.texts = {"third"};
   EXPECT_EQ(GetSetting("a", "b", &value), 0);
   EXPECT_STREQ(value, "third");
+  EXPECT_EQ(static_cast<const char*>(value), name);
 }
 
 TEST_F(CallResults, AFailedSettingIsNull) {

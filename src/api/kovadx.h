@@ -8,7 +8,8 @@
  * function takes a lock, so callers on several threads take turns.
  *
  * Two shapes.
- * - Status shape: the result is an error code, results come through pointers. Nothing is stored unless the code is 0.
+ * - Status shape: the result is an error code, results come through pointers. Nothing is stored unless the code is 0,
+ *   save by GetSetting.
  * - Value shape: the result is the value, and the last parameter, errorCode, receives the code. Look at it first: on
  *   failure the value means nothing, and a text or a list is null.
  *
@@ -20,7 +21,7 @@
  * - 8: not enough memory.
  * - 17: the engine is not running, since SetKovaRunning(true) has not been called (status shape only).
  * - 99103: the reply was empty.
- * - 99104: a pipe could not be opened or written, or this process has no pipes to the engine at present.
+ * - 99104: this process has no pipes to the engine at present.
  * - A system error number of the pipe, such as 109 when the engine has gone, or 13 when the reply's length is wrong.
  * - Any other number is the engine's own, passed through unchanged: an unknown position, name or table, a value of the
  *   wrong kind and the like.
@@ -28,14 +29,14 @@
  * A function's comment names what it adds to this list.
  *
  * Waiting: a call that finds no engine tries 20 times, 100 ms apart, to reach it, and then waits without limit for an
- * engine to come and reply.
+ * engine to come and reply; so does a call whose request could not be written.
  *
  * Who frees what. There are three kinds of result in memory:
  * - A text that a function of the value shape returns is the library's own. It is valid until the next function that
  *   returns a text is called, on any thread, and is never freed. Copy it.
- * - A text through a `char**` and a list through a `char***` or a `double**`, and a list that is returned, are the
- *   caller's own, made by malloc. They go back with the function that the comment names. A list comes with its count;
- *   when that is 0 there is no list: nothing is allocated and its place is not stored.
+ * - A text through a `char**` (save that of GetSetting) and a list through a `char***` or a `double**`, and a list that
+ * is returned, are the caller's own, made by malloc. They go back with the function that the comment names. A list
+ * comes with its count; when that is 0 there is no list: nothing is allocated and its place is not stored.
  * - Lists behind a `void*` are the library's own until RemoveStringList.
  *
  * Texts are NUL-terminated bytes in the engine's encoding. Positions of variables, cases and the like count from 0.
@@ -452,7 +453,7 @@ KOVADX_API int GetMultiResponseSetInProcDS(const char* setName, char** label, in
 
 /** @defgroup dictionary_in_data_set Dictionary of a named data set
  *
- * Reading and changing within a data step. The data set is addressed by its name `dataSet`, and a variable by its
+ * The data set is addressed by its name `dataSet`, and a variable by its
  * position `index` in that data set, from 0. Single results have the value shape, everything else the status shape.
  * When the engine refuses a change, nothing is changed.
  *

@@ -5,6 +5,7 @@
 
 #include "api/guard.h"
 #include "api/kovadx.h"
+#include "config/never_destroyed.h"
 #include "platform/os/file.h"
 
 namespace kova {
@@ -32,8 +33,8 @@ void RecordFile::writeConverted(const char* text, RecordConverter converter) {
 }
 
 RecordFile& TheRecordFile() {
-  static RecordFile* const file = new RecordFile;
-  return *file;
+  static NeverDestroyed<RecordFile> file;
+  return file.object();
 }
 
 }  // namespace kova
