@@ -20,6 +20,7 @@ constexpr int kMostFailedConnects = 100;
 
 // Between two tries of what may work once something else has gone: another's turn, a shortage.
 constexpr std::uint32_t kRetryPauseMs = 20;
+constexpr std::uint32_t kLookMs = 2;  // How often a stop with a limit looks for the end.
 
 bool isConnected(int result) { return result == 0 || result == static_cast<int>(os::kPipeConnected); }
 
@@ -40,6 +41,7 @@ int XdapiServer::start() {
   const int created = requests_.CreatePipe();
   if (created != 0) return created;
   stopping_ = false;
+  ended_ = false;
   try {
     thread_ = std::thread([this] { serve(); });
   } catch (const std::system_error&) {
@@ -49,15 +51,26 @@ int XdapiServer::start() {
   return 0;
 }
 
-void XdapiServer::stop() {
-  if (!thread_.joinable()) return;
+bool XdapiServer::stop(std::uint32_t patienceMs) {
+  if (!thread_.joinable()) return true;
   stopping_ = true;
   {
     const std::lock_guard lock(pipeMutex_);
     requests_.CancelWait();
     if (replyOpen_) replies_.CancelWait();
   }
+  if (patienceMs != os::kWaitForever && !endsWithin(patienceMs)) return false;
   thread_.join();
+  return true;
+}
+
+bool XdapiServer::endsWithin(std::uint32_t patienceMs) const {
+  const std::uint64_t start = os::TickMs();
+  while (!ended_) {
+    if (os::TickMs() - start >= patienceMs) return false;
+    os::SleepMs(kLookMs);
+  }
+  return true;
 }
 
 void XdapiServer::serve() {
@@ -71,8 +84,11 @@ void XdapiServer::serve() {
     if (!connected && !stopping_) os::SleepMs(kRetryPauseMs);
   }
   // A client that comes from now on is told that nobody serves it.
-  const std::lock_guard lock(pipeMutex_);
-  requests_.ClosePipe();
+  {
+    const std::lock_guard lock(pipeMutex_);
+    requests_.ClosePipe();
+  }
+  ended_ = true;
 }
 
 // A request that was cut short could still be parsed, but half a request must never be carried out: the transport's own

@@ -11,12 +11,14 @@
 #define KOVADX_ENGINE_XDAPI_SERVER_H
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
 
 #include "message/CleXDSmb.h"
+#include "platform/os/named_pipe.h"
 #include "transport/KovaPipe.h"
 
 namespace kova::engine {
@@ -40,11 +42,13 @@ class XdapiServer {
   // no such pipe; 8 when no thread could be started.
   int start();
 
-  // Ends the conversation, wherever it stands, and waits for the thread. May be called twice, and without a start.
-  void stop();
+  // Ends the conversation, wherever it stands, and waits for the thread; false when a request is still being carried
+  // out after that time. May be called twice, and without a start.
+  bool stop(std::uint32_t patienceMs = os::kWaitForever);
 
  private:
   void serve();
+  bool endsWithin(std::uint32_t patienceMs) const;
   void converse();
   bool answer(CleXDSmb& reply);
   bool openReplies();
@@ -56,6 +60,7 @@ class XdapiServer {
   std::atomic<bool> stopping_{false};
   std::mutex pipeMutex_;  // Held where replyOpen_ changes or the requests close, and while waits are cancelled.
   bool replyOpen_ = false;
+  std::atomic<bool> ended_{false};
   std::thread thread_;  // Last: it uses everything above.
 };
 

@@ -345,6 +345,25 @@ TEST_F(XdapiServerTest, AReplyPipeThatIsTakenIsOpenedOnceItIsFree) {
   EXPECT_EQ(reply.FirstLong(), 7);
 }
 
+TEST_F(XdapiServerTest, AStopWithALimitTellsOfARequestThatGoesOn) {
+  const std::string base = scratchBase();
+  std::atomic<bool> asked{false};
+  std::atomic<bool> mayEnd{false};
+  XdapiServer server(base, [&](const CleXDSmb&, CleXDSmb&) {
+    asked = true;
+    while (!mayEnd) os::YieldThread();
+  });
+  ASSERT_EQ(server.start(), 0);
+  RawClient client(base);
+  CleXDSmb request;
+  request.SetCommandAction(Command::GetVariableCount);
+  client.write(bytesOf(request));
+  while (!asked) os::YieldThread();
+  EXPECT_FALSE(server.stop(1));
+  mayEnd = true;
+  EXPECT_TRUE(server.stop(60000));
+}
+
 TEST_F(XdapiServerTest, StopsTwiceAndWithoutAStart) {
   const std::string base = scratchBase();
   XdapiServer server(base, [](const CleXDSmb&, CleXDSmb&) {});

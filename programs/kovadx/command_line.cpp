@@ -38,7 +38,7 @@ void toUpper(std::string* text) {
   std::transform(text->begin(), text->end(), text->begin(), [](unsigned char c) { return std::toupper(c); });
 }
 
-// Everything behind the first "--" is the program and its arguments, untouched.
+// Everything behind the first "--" of a run is the program and its arguments, untouched.
 std::vector<std::string> takeProgram(std::vector<std::string>* arguments) {
   const auto mark = std::find(arguments->begin(), arguments->end(), "--");
   if (mark == arguments->end()) return {};
@@ -94,8 +94,9 @@ std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int*
   RunOptions run;
   DecodeOptions decode;
   ExplainOptions explain;
-  run.program = takeProgram(&arguments);
+  if (!arguments.empty() && arguments.front() == "run") run.program = takeProgram(&arguments);
   CLI::App app("Runs programs that talk to a statistics engine.", "kovadx");
+  app.allow_windows_style_options(false);  // A path may begin with "/".
   app.set_version_flag("--version", std::string("kovadx ") + KOVADX_VERSION, "Print the version and end");
   app.footer(kExamples);
   app.require_subcommand(1);

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -19,19 +20,27 @@ constexpr std::size_t kSmallestMessage = 52;
 constexpr std::size_t kShownBytes = 32;  // Of a block.
 constexpr int kNotAllMessages = 1;
 
-// A text as a JSON string, so that it stands on one line whatever it holds. Bytes from 0x80 on are left as they are.
+// A text as a JSON string, so that it stands on one line whatever it holds and no terminal obeys it. Other bytes from
+// 0x80 on are left as they are.
 std::string quoted(const std::string& text) {
   std::string result = "\"";
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
+  const auto addCode = [&result](unsigned control) {
     char code[8];
-    if (c == '"' || c == '\\') {
-      result += {'\\', c};
+    std::snprintf(code, sizeof code, "\\u%04x", control);
+    result += code;
+  };
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    const auto next = i + 1 < text.size() ? static_cast<unsigned char>(text[i + 1]) : 0;
+    if (byte == '"' || byte == '\\') {
+      result += {'\\', text[i]};
     } else if (byte < 0x20 || byte == 0x7F) {
-      std::snprintf(code, sizeof code, "\\u%04x", byte);
-      result += code;
+      addCode(byte);
+    } else if (byte == 0xC2 && next >= 0x80 && next < 0xA0) {  // A control beyond ASCII, in UTF-8.
+      addCode(next);
+      ++i;
     } else {
-      result += c;
+      result += text[i];
     }
   }
   return result + '"';
@@ -157,6 +166,7 @@ bool measure(const std::string& bytes, std::size_t at, std::int32_t* stated, std
 
 // Adds the text of the messages to *text; false when the bytes are not all messages.
 bool decodeMessages(const std::string& bytes, std::string* text) {
+  if (bytes.empty()) *text += "no message; the file is empty\n";
   std::size_t at = 0;
   for (int number = 1; at < bytes.size(); ++number) {
     std::int32_t stated = 0;
@@ -181,18 +191,19 @@ bool decodeMessages(const std::string& bytes, std::string* text) {
     }
     at += there;
   }
-  return true;
+  return !bytes.empty();
 }
 
 }  // namespace
 
 int decodeCommand(const std::string& path) {
+  std::error_code ignored;
   std::ifstream file(path, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-  if (!file) {
+  if (!file || std::filesystem::is_directory(path, ignored)) {
     printError(path + " can not be read; check the path");
     return kOwnFailure;
   }
+  const std::string bytes{std::istreambuf_iterator<char>(file), {}};
   std::string text;
   const bool whole = decodeMessages(bytes, &text);
   std::fputs(text.c_str(), stdout);

@@ -164,9 +164,15 @@ class Diagnostics(KovadxTest):
             with self.subTest(data=data):
                 self.assertEqual(self.decode(data), (1, lines, []))
 
-    def test_a_missing_file(self):
-        line = f"kovadx: {self.scratch / 'none'} can not be read; check the path"
-        self.assertEqual(self.kovadx("decode", self.scratch / "none"), (125, [], [line]))
+    def test_what_is_no_file_of_messages(self):
+        self.assertEqual(self.decode(b""), (1, ["no message; the file is empty"], []))
+        for path in (self.scratch / "none", self.scratch):
+            self.assertEqual(self.kovadx("decode", path), (125, [], [f"kovadx: {path} can not be read; check the path"]))
+
+    def test_only_a_run_has_a_program(self):
+        self.assertEqual(self.kovadx("explain", "--", "17")[1][0], "17 EngineNotStarted")
+        code, output, errors = self.kovadx("explain", "17", "--", "junk")
+        self.assertEqual((code, output, len(errors)), (125, [], 1))
 
     def test_codes_are_explained(self):
         code, output, errors = self.kovadx("explain", "109")
@@ -249,7 +255,7 @@ class Programs(KovadxTest):
 class Reports(KovadxTest):
     def test_the_report_is_written_at_the_end(self):
         report = self.scratch / "report.html"
-        report.write_text("an older one")
+        report.write_text("<!DOCTYPE html>\nan older one")
         run = self.kovadx("run", "--data", PENGUINS, "--output", report, "--", self.describe())
         self.assertEqual(run, (0, EXPECTED, []))
         page = report.read_text(encoding="utf-8")
@@ -259,7 +265,10 @@ class Reports(KovadxTest):
 
     def test_a_report_that_can_not_be_written_stops_everything(self):
         marker = self.scratch / "marker"
-        for path in (self.scratch / "no" / "report.html", self.scratch):
+        data = self.scratch / "data.csv"
+        data.write_text("a,b\n1,2\n")
+        self.addCleanup(lambda: self.assertEqual(data.read_text(), "a,b\n1,2\n"))
+        for path in (self.scratch / "no" / "report.html", self.scratch, data):
             with self.subTest(path=path):
                 shell = self.shell(f"echo x > {marker}", f"echo x > {marker}")
                 code, output, errors = self.kovadx("run", "--output", path, "--", *shell)
@@ -327,6 +336,16 @@ class PosixReports(KovadxTest):
         code, output, errors = self.kovadx("run", "--output", report, "--", "/bin/rmdir", folder)
         self.assertEqual((code, output, len(errors)), (125, [], 1))
         self.assertIn(f"kovadx: the report could not be written to {report} (", errors[0])
+
+
+    def test_output_that_can_not_be_shown_is_told(self):
+        script = self.scratch / "reporter.py"
+        script.write_text("print = lambda *texts, **ways: None\n" + REPORTER)
+        with open("/dev/full", "w") as full:
+            run = subprocess.run(self.command("run", "--", "/usr/bin/python3", script), env=self.environment(True),
+                                 stdout=full, stderr=subprocess.PIPE, text=True, timeout=PATIENCE)
+        line = "kovadx: the output could not be written to the standard output; it is lost\n"
+        self.assertEqual((run.returncode, run.stderr), (125, line))
 
 
 class PosixExamples(KovadxTest):

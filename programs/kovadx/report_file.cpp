@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <utility>
 
 #include "platform/os/file.h"
@@ -26,6 +27,15 @@ std::string behindLinks(const std::string& path) {
   return file.string();
 }
 
+// A report may take an older one's place, or that of an empty file. Anything else was named by mistake.
+bool isNoReport(const std::string& path) {
+  const std::string start = "<!DOCTYPE html>";
+  std::string found(start.size(), '\0');
+  std::ifstream file(path, std::ios::binary);
+  file.read(found.data(), static_cast<std::streamsize>(found.size()));
+  return file.gcount() > 0 && found != start;
+}
+
 bool writeBytes(const std::string& path, const std::string& bytes, std::string* problem) {
   os::Error error = os::kSuccess;
   std::FILE* const file = os::OpenFile(path, "wb", &error);
@@ -48,6 +58,10 @@ bool ReportFile::check(std::string* problem) const {
   std::error_code ignored;
   if (target_.empty() || (fs::exists(target_, ignored) && !fs::is_regular_file(target_, ignored))) {
     *problem = "it is no plain file";
+    return false;
+  }
+  if (isNoReport(target_)) {
+    *problem = "there is a file that is no report";
     return false;
   }
   const bool isWritten = writeBytes(temporary_, "", problem);

@@ -11,7 +11,8 @@ class ReportFile {
  public:
   explicit ReportFile(std::string path);
 
-  // True when a file can be written there. *problem tells otherwise why not. Leaves nothing behind.
+  // True when a file can be written there, which takes no place but an empty file's or an older report's. *problem
+  // tells otherwise why not. Leaves nothing behind.
   bool check(std::string* problem) const;
 
   // Writes a new file beside the old one and puts it in its place. False, with the reason, when that failed; the old

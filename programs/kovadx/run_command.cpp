@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -33,8 +34,10 @@ constexpr const char* kUsualTemporary = "/tmp";
 constexpr std::uint32_t kLookMs = 50;     // How often a wait for the program looks for an end request.
 constexpr std::uint32_t kOwnEndMs = 500;  // Ctrl-C at a terminal reaches the program too.
 constexpr std::uint32_t kAskedEndMs = 2000;
+constexpr std::uint32_t kLastCallMs = 5000;  // How long the engine may go on with a call after its program has gone.
 
 std::atomic<bool> endRequested{false};
+std::atomic<bool> outputLost{false};
 
 std::string withoutEndSeparator(std::string folder) {
   while (folder.size() > 1 && (folder.back() == '/' || folder.back() == '\\')) folder.pop_back();
@@ -157,6 +160,14 @@ int reportNotServed(const std::string& pipe, int code) {
   return kOwnFailure;
 }
 
+// The engine is still carrying out a call of a program that is gone. Nobody can take that from it, nor ask it for its
+// output meanwhile.
+[[noreturn]] void leave(int exitCode) {
+  printError("the engine was still busy with the program's last call; its output is lost");
+  std::fflush(stdout);
+  std::_Exit(exitCode == 0 ? kOwnFailure : exitCode);
+}
+
 int serve(engine::Engine* engine, const RunOptions& options, os::Process* program) {
   const std::string baseName = engine::XdapiServer::baseName(program->Id(), options.name, 0);
   engine::XdapiServer server(baseName,
@@ -169,7 +180,7 @@ int serve(engine::Engine* engine, const RunOptions& options, os::Process* progra
     return reportNotServed(baseName + XPipes::XDAPI_PIPE, started);
   }
   const int exitCode = waitForProgram(program);
-  server.stop();
+  if (!server.stop(kLastCallMs)) leave(exitCode);
   removeReplyPipe(baseName);
   return exitCode;
 }
@@ -188,8 +199,15 @@ bool openData(const RunOptions& options, engine::Engine* engine) {
 
 // A piece of output goes out whole. The program waits for its call meanwhile, so that no line of its own comes between.
 void print(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  std::fflush(stdout);
+  const bool isWritten = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+  if (std::fflush(stdout) != 0 || !isWritten) outputLost = true;
+}
+
+// The program's exit code; kovadx's own when the program did well and its output could not be shown.
+int tellLostOutput(int exitCode) {
+  if (!outputLost) return exitCode;
+  printError("the output could not be written to the standard output; it is lost");
+  return exitCode == 0 ? kOwnFailure : exitCode;
 }
 
 bool canWriteReport(const RunOptions& options) {
@@ -240,7 +258,7 @@ int runCommand(const RunOptions& options) {
   if (error != os::kSuccess) return reportNotStarted(options.program.front(), error);
   const int exitCode = serve(&engine, options, &program);
   engine.endOutput();
-  return writeReport(options, engine, exitCode);
+  return writeReport(options, engine, tellLostOutput(exitCode));
 }
 
 }  // namespace kova::program
