@@ -11,6 +11,13 @@ constexpr std::uint64_t kBlanks = 0x2020202020202020;
 
 std::size_t unitsOf(int width) { return width <= 8 ? 1 : static_cast<std::size_t>((width + 7) / 8); }
 
+// How many of the bytes fit without a part of a character.
+std::size_t wholeCharacters(const char* bytes, std::size_t size, std::size_t width) {
+  if (size <= width) return size;
+  while (width > 0 && (static_cast<unsigned char>(bytes[width]) & 0xC0U) == 0x80) --width;
+  return width;
+}
+
 }  // namespace
 
 CaseStore::CaseStore(const std::vector<int>& widths) {
@@ -54,6 +61,11 @@ bool CaseStore::sameValue(std::size_t position, std::size_t other, std::size_t v
   return std::memcmp(bytesOf(position, variable), bytesOf(other, variable), slots_[variable].units * kUnitBytes) == 0;
 }
 
+bool CaseStore::mayChangeWidth(std::size_t variable, int width) const {
+  const std::uint64_t units = caseUnits_ - slots_[variable].units + unitsOf(width);
+  return units * kUnitBytes <= kMostCasesBytes / std::max<std::uint64_t>(caseCount(), 1);
+}
+
 void CaseStore::changeWidth(std::size_t variable, int width) {
   std::vector<int> widths = this->widths();
   widths[variable] = width;
@@ -81,8 +93,9 @@ void CaseStore::copyCase(const CaseStore& from, std::size_t position, std::size_
   std::copy_n(source, slot.first, copy);
   source += fromSlot.first + fromSlot.units;
   std::copy_n(source, from.caseUnits_ - fromSlot.first - fromSlot.units, copy + slot.first + slot.units);
-  const std::size_t bytes = std::min(slot.width, fromSlot.width);
-  if (bytes > 0) std::memcpy(bytesOf(target, changed), from.bytesOf(position, changed), bytes);
+  const char* const text = from.bytesOf(position, changed);
+  const std::size_t bytes = wholeCharacters(text, fromSlot.width, slot.width);
+  if (bytes > 0) std::memcpy(bytesOf(target, changed), text, bytes);
 }
 
 char* CaseStore::bytesOf(std::size_t position, std::size_t variable) {

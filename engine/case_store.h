@@ -20,6 +20,8 @@ constexpr double kSystemMissing = std::bit_cast<double>(std::uint64_t{0xFFEFFFFF
 
 constexpr std::size_t kUnitBytes = 8;
 
+constexpr std::uint64_t kMostCasesBytes = std::uint64_t{4} << 30;  // Of all cases of a data set.
+
 class CaseStore {
  public:
   CaseStore() = default;
@@ -51,8 +53,11 @@ class CaseStore {
   // True when both cases have the same value of the variable, byte for byte.
   bool sameValue(std::size_t position, std::size_t other, std::size_t variable) const;
 
-  // Gives a variable another width. A text is cut or filled up with blanks; where a number becomes a text or the other
-  // way about, the cases have no value of it any more.
+  // True when all cases take at most kMostCasesBytes with another width of a variable.
+  bool mayChangeWidth(std::size_t variable, int width) const;
+
+  // Gives a variable another width. A text is cut behind a whole character of UTF-8 or filled up with blanks; where a
+  // number becomes a text or the other way about, the cases have no value of it any more.
   void changeWidth(std::size_t variable, int width);
 
   bool operator==(const CaseStore&) const = default;

@@ -110,6 +110,39 @@ TEST(CaseStore, AVariableGetsAnotherWidth) {
   }
 }
 
+TEST(CaseStore, ANarrowerTextEndsInAWholeCharacter) {
+  struct Row {
+    int width;
+    const char* text;
+  };
+  const char* const text = "a\u00E9\u20AC\U0001F427z";
+  const Row rows[] = {{1, "a"},
+                      {2, "a "},
+                      {3, "a\u00E9"},
+                      {4, "a\u00E9 "},
+                      {5, "a\u00E9  "},
+                      {6, "a\u00E9\u20AC"},
+                      {9, "a\u00E9\u20AC   "},
+                      {10, "a\u00E9\u20AC\U0001F427"},
+                      {11, "a\u00E9\u20AC\U0001F427z"}};
+  for (const Row& row : rows) {
+    CaseStore cases({12});
+    cases.appendCase();
+    cases.setText(0, 0, text);
+    cases.changeWidth(0, row.width);
+    EXPECT_EQ(cases.text(0, 0), row.text) << row.width;
+  }
+}
+
+TEST(CaseStore, AllCasesTakeAtMost4GiB) {
+  CaseStore cases({0, 8});
+  cases.reserve(131072);
+  for (int i = 0; i < 131072; ++i) cases.appendCase();
+  EXPECT_TRUE(cases.mayChangeWidth(1, 32760)) << "32768 bytes a case";
+  EXPECT_FALSE(cases.mayChangeWidth(1, 32761));
+  EXPECT_TRUE(CaseStore({0, 8}).mayChangeWidth(1, 32767)) << "without cases";
+}
+
 TEST(CaseStore, AVariableOfTheOtherKindHasNoValues) {
   CaseStore cases = numberTextNumber();
   cases.changeWidth(1, 0);

@@ -16,7 +16,6 @@ namespace kova::engine {
 namespace {
 
 constexpr std::string_view kDescriptorName = "datapackage.json";
-constexpr std::uint64_t kMostBytes = std::uint64_t{4} << 30;  // Of all cases.
 
 // The table of a resource. Two walks over it: the first checks every row's shape and finds the widths of the strings
 // that have none, the second stores the values.
@@ -111,7 +110,7 @@ class TableReader {
   CaseStore makeStore() {
     const std::vector<int> widths = takeWidths();
     const std::uint64_t caseBytes = CaseStore::caseBytesOf(widths);
-    if (caseBytes > kMostBytes / std::max<std::uint64_t>(caseCount_, 1)) {
+    if (caseBytes > kMostCasesBytes / std::max<std::uint64_t>(caseCount_, 1)) {
       throw DataProblem(problemLine({resource_.tablePath}, "cases that need at most 4 GiB of memory",
                                     std::to_string(caseCount_) + " cases of " + std::to_string(caseBytes) + " bytes"));
     }

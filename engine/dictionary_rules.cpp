@@ -127,6 +127,7 @@ ErrorCode changeType(DataSet* dataSet, std::size_t position, int type) {
   const Variable& variable = dataSet->variables[position];
   if (type == variable.width) return ErrorCode::kNone;
   if (isBound(*dataSet, variable, type)) return ErrorCode::kVariableInUse;
+  if (!dataSet->cases.mayChangeWidth(position, type)) return ErrorCode::kOutOfMemory;
   const bool changesKind = variable.isNumeric() || type == 0;
   Variable changed = changesKind ? withKind(variable, type) : withWidth(variable, type);
   dataSet->cases.changeWidth(position, type);

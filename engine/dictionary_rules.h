@@ -30,7 +30,7 @@ ErrorCode makeMissing(const Variable& variable, int kind, const std::array<std::
 
 // Gives the variable another type, 0 or a width. Texts of the cases are cut or filled up; labels and missing values
 // that no longer fit go. With another kind the cases have no value of it, and format and alignment are those of a new
-// variable.
+// variable. kOutOfMemory when the cases would need more than kMostCasesBytes.
 ErrorCode changeType(DataSet* dataSet, std::size_t position, int type);
 
 // Renames it wherever the data set names it.

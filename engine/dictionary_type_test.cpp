@@ -59,6 +59,17 @@ TEST_F(TypeChanges, TheSameTypeChangesNothing) {
   EXPECT_TRUE(before == main());
 }
 
+TEST_F(TypeChanges, CasesThatNoMemoryHoldsAreRefused) {
+  while (main().cases.caseCount() < 131072) main().cases.appendCase();
+  expectRefused(ErrorCode::kOutOfMemory, Command::SetVarTypeInDS, "main", 1, 32767);
+}
+
+TEST_F(TypeChanges, ATextIsCutBehindAWholeCharacter) {
+  main().cases.setText(0, 1, "K\u00F6ln");
+  EXPECT_EQ(tell(Command::SetVarTypeInDS, "main", 1, 2), 0);
+  EXPECT_EQ(main().cases.text(0, 1), "K ");
+}
+
 TEST_F(TypeChanges, OtherTypesAreRefused) {
   for (const int type : {-1, 32768, 2147483647, static_cast<int>(0x80000000U)}) {
     expectRefused(ErrorCode::kTypeOutOfRange, Command::SetVarTypeInDS, "main", 1, type);

@@ -8,8 +8,9 @@
 
 namespace kova::engine {
 
-// The text without what a terminal would obey and documents can not hold: control characters become U+FFFD, a tab a
-// blank, and every end of a line a line feed. For text that is UTF-8.
+// The text without what a terminal would obey and documents can not hold: control characters and those that
+// turn the direction of a text become U+FFFD, a tab a blank, and every end of a line a line feed. For text that is
+// UTF-8.
 std::string presentable(std::string_view text);
 
 // The same on one line: ends of lines become blanks.

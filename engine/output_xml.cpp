@@ -42,7 +42,9 @@ void describeValue(pugi::xml_node element, const OutputValue& value) {
 class TableXml {
  public:
   TableXml(pugi::xml_node parent, const PivotTable& table)
-      : table_(table), marks_(marksOfTable(table)), element_(parent.append_child("table")) {}
+      : table_(table),
+        marks_(marksOfTable(table, layOut(table), !table.key().outline.empty())),
+        element_(parent.append_child("table")) {}
 
   pugi::xml_node write() {
     const TableKey& key = table_.key();

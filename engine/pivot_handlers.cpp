@@ -62,10 +62,10 @@ ErrorCode addTitleNote(PivotTable& table, const CleXDSmb& request) {
   return ErrorCode::kNone;
 }
 
-// The caption that is named must be the table's; a table without one takes it.
+// The caption that is named must be the table's; a table without one takes it, but not an empty one.
 ErrorCode addCaptionNote(PivotTable& table, const CleXDSmb& request) {
   const std::string& caption = request.Strings()[kTableText];
-  if (!table.caption.empty() && table.caption != caption) return ErrorCode::kUnknownCaption;
+  if (caption.empty() || (!table.caption.empty() && table.caption != caption)) return ErrorCode::kUnknownCaption;
   table.caption = caption;
   addNote(&table.captionNotes, request.Strings()[kSecondTableText]);
   return ErrorCode::kNone;

@@ -166,6 +166,12 @@ TEST_F(Pivot, ACaptionNoteBringsItsCaption) {
   EXPECT_EQ(finished().caption, "Caption");
 }
 
+TEST_F(Pivot, AnEmptyCaptionHasNoNotes) {
+  client_.table(kTable);
+  EXPECT_EQ(tell(Command::AddCaptionFootnotes, items("", "note")), 98111);
+  EXPECT_TRUE(finished().captionNotes.empty());
+}
+
 TEST_F(Pivot, TablesAreToldApartByTheWholeKey) {
   EXPECT_EQ(client_.table(kTable).code(), 0);
   EXPECT_EQ(client_.table(kTable).code(), 98104);

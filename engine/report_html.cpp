@@ -74,11 +74,12 @@ class SectionHtml {
 
   void add(const PivotTable& table) {
     const std::string prefix = id_ + "-" + std::to_string(item_) + "-";
-    const NoteMarks marks = marksOfTable(table);
-    NoteLinks links(marks, prefix);
     const bool opens = opensOutline(table.key().outline, table.key().title);
+    const std::vector<TableLayout> layouts = layOut(table);
+    const NoteMarks marks = marksOfTable(table, layouts, opens);
+    NoteLinks links(marks, prefix);
     if (opens) html_ += "<h3>" + htmlText(table.key().outline) + links.marksHtml(&table.outlineNotes) + "</h3>\n";
-    html_ += tableHtml(table, opens, prefix, &links);
+    html_ += tableHtml(table, layouts, opens, prefix, &links);
   }
 
   void add(const TextBlock& block) {

@@ -4,7 +4,6 @@
 #include <initializer_list>
 
 #include "engine/output_texts.h"
-#include "engine/report_layout.h"
 
 namespace kova::engine {
 namespace {
@@ -24,23 +23,38 @@ bool isNumeric(const TableLayout& layout, std::size_t column) {
   return true;
 }
 
+std::string marked(std::string_view text, const Notes* notes, NoteLinks* links) {
+  return htmlText(text) + links->marksHtml(notes);
+}
+
+// The title with what the layer is called.
+std::string layerTitle(const TableLayout& layout, const std::string& titleHtml, NoteLinks* links) {
+  std::string layer;
+  for (const LayerPart& part : layout.layer) {
+    if (!layer.empty()) layer += ", ";
+    if (part.nameNotes != nullptr) layer += marked(part.name, part.nameNotes, links);
+    if (part.nameNotes != nullptr && part.categoryNotes != nullptr) layer += ": ";
+    if (part.categoryNotes != nullptr) layer += marked(part.category, part.categoryNotes, links);
+  }
+  if (layer.empty()) return titleHtml;
+  return titleHtml + (titleHtml.empty() ? "" : " ") + "<span class=\"layer\">" + layer + "</span>";
+}
+
 // One layer of a table.
 class LayerHtml {
  public:
   LayerHtml(const PivotTable& table, const TableLayout& layout, NoteLinks* links)
-      : table_(table), layout_(layout), links_(*links) {
+      : table_(table), layout_(layout), links_(*links), numberStyle_(cellStyle(true)), textStyle_(cellStyle(false)) {
     for (std::size_t column = 0; column < layout_.columns; ++column) numeric_.push_back(isNumeric(layout_, column));
     opensGroup_.resize(layout_.columns);
     for (const Group& group : layout_.columnGroups) opensGroup_[group.first] = group.first > 0;
   }
 
-  // The title's marks are made once, at the first layer.
-  std::string render(const std::string& captionId, const std::string& titleHtml) {
+  std::string render(const std::string& captionId, const std::string& caption) {
     html_ += "<div class=\"scroll\" role=\"region\" aria-labelledby=\"" + captionId + "\" tabindex=\"0\">\n<table";
     if (!hasHead()) html_ += " class=\"bare\"";
     const bool isLong = table_.key().title.size() > kLongTitle;
-    html_ +=
-        ">\n<caption id=\"" + captionId + (isLong ? "\" class=\"long\">" : "\">") + caption(titleHtml) + "</caption>\n";
+    html_ += ">\n<caption id=\"" + captionId + (isLong ? "\" class=\"long\">" : "\">") + caption + "</caption>\n";
     addColumnGroups();
     addHead();
     addBodies();
@@ -49,7 +63,7 @@ class LayerHtml {
   }
 
  private:
-  std::string marked(std::string_view text, const Notes* notes) { return htmlText(text) + links_.marksHtml(notes); }
+  std::string marked(std::string_view text, const Notes* notes) { return engine::marked(text, notes, &links_); }
 
   // Where a group of columns begins beside another.
   const char* groupClass(std::size_t column) const { return opensGroup_[column] ? "group" : ""; }
@@ -61,18 +75,6 @@ class LayerHtml {
       all += name;
     }
     return all.empty() ? all : " class=\"" + all + "\"";
-  }
-
-  std::string caption(const std::string& titleHtml) {
-    std::string layer;
-    for (const LayerPart& part : layout_.layer) {
-      if (!layer.empty()) layer += ", ";
-      if (part.nameNotes != nullptr) layer += marked(part.name, part.nameNotes);
-      if (part.nameNotes != nullptr && part.categoryNotes != nullptr) layer += ": ";
-      if (part.categoryNotes != nullptr) layer += marked(part.category, part.categoryNotes);
-    }
-    if (layer.empty()) return titleHtml;
-    return titleHtml + (titleHtml.empty() ? "" : " ") + "<span class=\"layer\">" + layer + "</span>";
   }
 
   bool hasStubNames() const {
@@ -90,12 +92,13 @@ class LayerHtml {
     }
   }
 
-  // A cell's limits; numbers keep on one line.
-  std::string cellStyle() const {
+  // A column's limits. Numbers keep on one line, so they have no greatest width.
+  std::string cellStyle(bool isNumber) const {
     std::string style;
     if (table_.leastColumnWidth() > 1) style += "min-width:" + std::to_string(table_.leastColumnWidth()) + "ch";
-    if (table_.mostColumnWidth() < PivotTable::kWidestColumn) {
+    if (!isNumber && table_.mostColumnWidth() < PivotTable::kWidestColumn) {
       style += (style.empty() ? "" : ";") + ("max-width:" + std::to_string(table_.mostColumnWidth())) + "ch";
+      style += ";overflow-wrap:anywhere";
     }
     return style.empty() ? style : " style=\"" + style + "\"";
   }
@@ -139,19 +142,18 @@ class LayerHtml {
                       : numeric_[heading.first] ? "n"
                                                 : "",
                       groupClass(heading.first)}) +
-             ">" + marked(heading.text, heading.notes) + "</th>";
+             (heading.span > 1 ? std::string() : textStyle_) + ">" + marked(heading.text, heading.notes) + "</th>";
   }
 
   // One body for each group of rows.
   void addBodies() {
     std::vector<std::size_t> next(layout_.stubs.size(), 0);
-    const std::string style = cellStyle();
     for (const Group& group : layout_.rowGroups) {
       html_ += "<tbody>\n";
       for (std::size_t row = group.first; row < group.first + group.span; ++row) {
         html_ += "<tr>";
         addRowHeadings(row, &next);
-        for (std::size_t column = 0; column < layout_.columns; ++column) addCell(row, column, style);
+        for (std::size_t column = 0; column < layout_.columns; ++column) addCell(row, column);
         html_ += "</tr>\n";
       }
       html_ += "</tbody>\n";
@@ -169,19 +171,22 @@ class LayerHtml {
     }
   }
 
-  void addCell(std::size_t row, std::size_t column, const std::string& style) {
+  void addCell(std::size_t row, std::size_t column) {
     const Cell* cell = layout_.cell(row, column);
     if (cell == nullptr) {
       html_ += "<td" + classes({groupClass(column)}) + "></td>";
       return;
     }
-    html_ += "<td" + classes({cell->value.isNumber() ? "n" : "", groupClass(column)}) + style + ">" +
+    const bool isNumber = cell->value.isNumber();
+    html_ += "<td" + classes({isNumber ? "n" : "", groupClass(column)}) + (isNumber ? numberStyle_ : textStyle_) + ">" +
              marked(cell->value.shown, &cell->notes) + "</td>";
   }
 
   const PivotTable& table_;
   const TableLayout& layout_;
   NoteLinks& links_;
+  std::string numberStyle_;
+  std::string textStyle_;
   std::vector<bool> numeric_;
   std::vector<bool> opensGroup_;
   std::string html_;
@@ -189,6 +194,7 @@ class LayerHtml {
 
 std::string titleHtml(const PivotTable& table, bool outlineIsShown, NoteLinks* links) {
   if (table.titleHidden) return "<span class=\"hidden\">" + htmlText(table.key().title) + "</span>";
+  if (!showsTitle(table)) return {};
   Notes notes = table.titleNotes;
   if (!outlineIsShown) {
     for (const std::string& note : table.outlineNotes) addNote(&notes, note);
@@ -244,31 +250,34 @@ std::string NoteLinks::listHtml() const {
   if (marks_.texts().empty()) return {};
   std::string html = "<ol class=\"notes\">\n";
   for (std::size_t position = 0; position < marks_.texts().size(); ++position) {
-    const std::string mark = NoteMarks::markAt(position);
-    html += "<li id=\"" + prefix_ + "note-" + mark + "\">" + htmlText(marks_.texts()[position]);
-    if (position < isMarked_.size() && isMarked_[position]) {
-      html += " <a class=\"back\" href=\"#" + prefix_ + "mark-" + mark + "\" aria-label=\"Back to mark " + mark +
-              "\">\u21A9\uFE0E</a>";
+    const std::string text = htmlText(marks_.texts()[position]);
+    if (!marks_.isMarked(position)) {
+      html += "<li class=\"plain\">" + text + "</li>\n";
+      continue;
     }
-    html += "</li>\n";
+    const std::string mark = NoteMarks::markAt(position);
+    html += "<li id=\"" + prefix_ + "note-" + mark + "\">" + text + " <a class=\"back\" href=\"#" + prefix_ + "mark-" +
+            mark + "\" aria-label=\"Back to mark " + mark + "\">\u21A9\uFE0E</a></li>\n";
   }
   return html + "</ol>\n";
 }
 
-std::string tableHtml(const PivotTable& table, bool outlineIsShown, const std::string& prefix, NoteLinks* links) {
+std::string tableHtml(const PivotTable& table, const std::vector<TableLayout>& layouts, bool outlineIsShown,
+                      const std::string& prefix, NoteLinks* links) {
   std::string html = "<figure>\n";
   std::string title = titleHtml(table, outlineIsShown, links);
   std::size_t layer = 0;
-  for (const TableLayout& layout : layOut(table)) {
+  for (const TableLayout& layout : layouts) {
+    const std::string caption = layerTitle(layout, title, links);
+    // An id stands once: the other layers repeat the title without its marks.
+    if (!table.titleHidden) title = htmlText(table.key().title);
     if (layout.rows == 0 || layout.isTooLarge) {
       const std::string said = layout.rows == 0 ? "No cells." : tooLargeText(layout);
-      html += "<p>" + title + "</p>\n<p class=\"soft\">" + htmlText(said) + "</p>\n";
+      html += "<p>" + caption + "</p>\n<p class=\"soft\">" + htmlText(said) + "</p>\n";
       continue;
     }
     const std::string captionId = prefix + "caption-" + std::to_string(++layer);
-    html += LayerHtml(table, layout, links).render(captionId, title);
-    // An id stands once: the other layers repeat the title without its marks.
-    if (!table.titleHidden) title = htmlText(table.key().title);
+    html += LayerHtml(table, layout, links).render(captionId, caption);
   }
   if (!table.caption.empty()) {
     html += "<figcaption>" + htmlText(table.caption) + links->marksHtml(&table.captionNotes) + "</figcaption>\n";

@@ -13,7 +13,7 @@ namespace kova::engine {
 // The text with what HTML reads as markup written out; quotes too, so that it fits into an attribute.
 std::string htmlText(std::string_view text);
 
-// Marks that link to their footnotes, and the footnotes, each of which links back to its first mark.
+// Marks that link to their footnotes, and the footnotes, each of which links back to its first mark if it has any.
 class NoteLinks {
  public:
   // Every id on the page begins with the prefix.
@@ -30,9 +30,10 @@ class NoteLinks {
   std::vector<bool> isMarked_;
 };
 
-// The table as a figure: one table for each layer, then caption and footnotes. Marks of the outline that stand in a
-// heading of its own were made before, with the same links.
-std::string tableHtml(const PivotTable& table, bool outlineIsShown, const std::string& prefix, NoteLinks* links);
+// The table as a figure: one table for each of its layouts, then caption and footnotes. Marks of the outline that stand
+// in a heading of its own were made before, with the same links.
+std::string tableHtml(const PivotTable& table, const std::vector<TableLayout>& layouts, bool outlineIsShown,
+                      const std::string& prefix, NoteLinks* links);
 
 }  // namespace kova::engine
 

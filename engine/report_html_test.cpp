@@ -101,6 +101,48 @@ TEST_F(HtmlReport, NestedHeadingsSpanTheirGroups) {
 )");
 }
 
+// How many times a part stands in a text.
+std::size_t countOf(std::string_view part, std::string_view text) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string_view::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
+// The headings that reach below the end of their body.
+std::size_t headingsThatReachOut(std::string_view html) {
+  constexpr std::string_view kRowSpan = " rowspan=\"";
+  std::size_t count = 0;
+  for (auto start = html.find("<tbody>"); start != std::string_view::npos; start = html.find("<tbody>", start + 1)) {
+    const std::string_view body = html.substr(start, html.find("</tbody>", start) - start);
+    for (auto at = body.find(kRowSpan); at != std::string_view::npos; at = body.find(kRowSpan, at + 1)) {
+      const std::size_t span = std::stoul(std::string(body.substr(at + kRowSpan.size(), 9)));
+      if (span > countOf("</tr>", body.substr(at))) ++count;
+    }
+  }
+  return count;
+}
+
+// Browsers end a heading where its body ends, and put the cells beside it under wrong columns then.
+TEST_F(HtmlReport, RowHeadingsEndWithinTheirBody) {
+  const DimensionKey outerName{"Only the name", 0, 1, false, true};
+  const DimensionKey inmost{"Sex", 0, 3, false, false};
+  for (const DimensionKey& outer : {kRow, outerName}) {
+    for (const int outerCount : {1, 2}) {
+      auto table = client_.table({outer.name, "Title", std::to_string(outerCount), false});
+      table.dimension(outer).dimension(kInnerRow).dimension(inmost);
+      for (int i = 0; i < outerCount * 4; ++i) {
+        table.category(outer, std::to_string(i / 4)).category(kInnerRow, std::to_string(i / 2 % 2));
+        table.category(inmost, std::to_string(i % 2)).number(inmost, i);
+      }
+      EXPECT_EQ(table.code(), 0);
+    }
+  }
+  const std::string html = shown();
+  EXPECT_EQ(headingsThatReachOut(html), 0U) << html;
+  EXPECT_EQ(countOf("<tbody>", html), 1U + 2U + 1U + 1U);
+  EXPECT_THAT(html, HasSubstr("<th scope=\"rowgroup\" rowspan=\"4\">0</th><th scope=\"row\" rowspan=\"2\">0</th>"));
+}
+
 TEST_F(HtmlReport, FootnotesAreLinkedBothWays) {
   client_.ask(Command::AddProcFootnotes, items("About the procedure."));
   auto table = client_.table({"Outline", "Title", "s", false});
@@ -166,7 +208,22 @@ TEST_F(HtmlReport, AHiddenTitleIsStillReadAloud) {
   table.tell(Command::AddTitleFootnotes, items("note"));
   const std::string html = shown();
   EXPECT_THAT(html, HasSubstr("<caption id=\"s1-1-caption-1\"><span class=\"hidden\">Hidden</span></caption>"));
-  EXPECT_THAT(html, HasSubstr("<li id=\"s1-1-note-a\">note</li>")) << "there is no mark to go back to";
+  EXPECT_THAT(html, HasSubstr("<ol class=\"notes\">\n<li class=\"plain\">note</li>\n</ol>"))
+      << "there is no mark to go back to";
+}
+
+TEST_F(HtmlReport, NotesOfWhatIsHiddenComeLastWithoutALink) {
+  const DimensionKey unnamed{"Unnamed", 0, 1, true, false};
+  auto table = client_.table({"", "", "s", false});
+  table.tell(Command::AddTitleFootnotes, items("title"));
+  table.dimension(unnamed).tell(Command::AddDimFootnotes, unnamed, items("name"));
+  table.category(unnamed, "without a cell").tell(Command::AddCategoryFootnotes, unnamed, items("category"));
+  table.category(unnamed, "a").number(unnamed, 1).tell(Command::AddCellFootnotes, unnamed, items("cell"));
+  const std::string html = shown();
+  EXPECT_THAT(html, HasSubstr("<caption id=\"s1-1-caption-1\"></caption>"));
+  EXPECT_THAT(html, HasSubstr("<li id=\"s1-1-note-a\">cell <a class=\"back\" href=\"#s1-1-mark-a\""));
+  EXPECT_THAT(html, HasSubstr("</li>\n<li class=\"plain\">title</li>\n<li class=\"plain\">name</li>\n"
+                              "<li class=\"plain\">category</li>\n</ol>"));
 }
 
 TEST_F(HtmlReport, NothingThatWasSaidIsMarkup) {
@@ -215,9 +272,16 @@ TEST_F(HtmlReport, TablesWithoutHeadings) {
 
 TEST_F(HtmlReport, ColumnWidthLimits) {
   auto table = client_.table({"", "T", "s", false});
-  table.dimension(kRow).category(kRow, "a").text(kRow, "b");
+  table.dimension(kRow).dimension(kColumn).category(kRow, "a");
+  table.category(kColumn, "t").text(kRow, "b").category(kColumn, "m").number(kRow, 1);
   table.tell(Command::MinDataColumnWidth, items(5)).tell(Command::MaxDataColumnWidth, items(9));
-  EXPECT_THAT(shown(), HasSubstr("<td style=\"min-width:5ch;max-width:9ch\">b</td>"));
+  const std::string html = shown();
+  EXPECT_THAT(html, HasSubstr("<td style=\"min-width:5ch;max-width:9ch;overflow-wrap:anywhere\">b</td>"));
+  EXPECT_THAT(html, HasSubstr("<td class=\"n\" style=\"min-width:5ch\">1.000</td>")) << "numbers are never broken";
+  EXPECT_THAT(html, HasSubstr("<th scope=\"col\" style=\"min-width:5ch;max-width:9ch;overflow-wrap:anywhere\">t</th>"));
+  EXPECT_THAT(html,
+              HasSubstr("<th scope=\"col\" class=\"n\" style=\"min-width:5ch;max-width:9ch;overflow-wrap:anywhere"));
+  EXPECT_THAT(html, HasSubstr("<th scope=\"colgroup\" colspan=\"2\" class=\"span\">Sex</th>"));
 }
 
 TEST_F(HtmlReport, TextGraphicsAndGroups) {
@@ -264,6 +328,23 @@ TEST_F(HtmlReport, EmptyAndTooLargeTablesSaySo) {
   const std::string html = shown();
   EXPECT_THAT(html, HasSubstr("<p>Empty</p>\n<p class=\"soft\">No cells.</p>"));
   EXPECT_THAT(html, HasSubstr("<p class=\"soft\">A table of 1001 rows and 1001 columns, too large to be shown;"));
+}
+
+TEST_F(HtmlReport, LayersThatAreTooLargeRepeatTheTitleWithoutItsMarks) {
+  const DimensionKey layer{"Year", 2, 1, false, false};
+  auto table = client_.table({"", "Large", "s", false});
+  table.dimension(layer).dimension(kRow).dimension(kColumn).tell(Command::AddTitleFootnotes, items("note"));
+  for (const char* year : {"2007", "2008"}) {
+    table.category(layer, year);
+    for (int i = 0; i < 1001; ++i) {
+      table.category(kRow, std::to_string(i)).category(kColumn, std::to_string(i)).number(kRow, i);
+    }
+  }
+  const std::string html = shown();
+  EXPECT_EQ(countOf(" id=\"s1-1-mark-a\"", html), 1U);
+  EXPECT_EQ(countOf("href=\"#s1-1-note-a\"", html), 1U);
+  EXPECT_THAT(html,
+              HasSubstr("<p>Large <span class=\"layer\">Year: 2008</span></p>\n<p class=\"soft\">A table of 1001"));
 }
 
 }  // namespace

@@ -92,8 +92,9 @@ class Builder {
     std::map<Coordinates, std::vector<const Cell*>> byLayer;
     for (const Cell& cell : table_.cells()) byLayer[coordinatesOf(cell, layers_)].push_back(&cell);
     std::vector<TableLayout> layouts;
+    std::size_t room = kLargestLayout;
     for (const auto& [layer, cells] : byLayer) {
-      layouts.push_back(layOutLayer(cells));
+      layouts.push_back(layOutLayer(cells, &room));
       layouts.back().layer = partsOf(layer);
     }
     if (layouts.empty()) layouts.emplace_back();
@@ -116,14 +117,16 @@ class Builder {
     return parts;
   }
 
-  TableLayout layOutLayer(const std::vector<const Cell*>& cells) const {
+  // Takes the layer's places from the room that is left.
+  TableLayout layOutLayer(const std::vector<const Cell*>& cells, std::size_t* room) const {
     const Lines rows = linesOf(cells, rows_);
     const Lines columns = linesOf(cells, columns_);
     TableLayout layout;
     layout.rows = rows.size();
     layout.columns = columns.size();
-    layout.isTooLarge = rows.size() > kLargestLayout / columns.size();
+    layout.isTooLarge = rows.size() > *room / columns.size();
     if (layout.isTooLarge) return layout;
+    *room -= layout.rows * layout.columns;
     addColumnHeadings(columns, &layout);
     addStubs(rows, &layout);
     addGroups(&layout);
@@ -162,8 +165,9 @@ class Builder {
     std::vector<const HeadingRun*> runs;
     for (const HeadingRun& run : layout->columnHeadings) runs.push_back(&run);
     layout->columnGroups = groupsOf(runs, layout->columns);
+    // A heading beside rows ends where its group of rows ends, so the outermost headings alone form groups.
     runs.clear();
-    for (const Stub& stub : layout->stubs) runs.push_back(&stub.headings);
+    if (!layout->stubs.empty()) runs.push_back(&layout->stubs.front().headings);
     layout->rowGroups = groupsOf(runs, layout->rows);
   }
 

@@ -52,12 +52,13 @@ struct TableLayout {
   std::size_t columns = 0;
   std::vector<Group> columnGroups;  // Side by side, all columns and all rows.
   std::vector<Group> rowGroups;
-  bool isTooLarge = false;         // More than kLargestLayout places: there are no cells then.
+  bool isTooLarge = false;         // No room for its places: there are no headings and no cells then.
   std::vector<const Cell*> cells;  // Row by row; null where there is none.
 
   const Cell* cell(std::size_t row, std::size_t column) const { return cells[row * columns + column]; }
 };
 
+// The places of all layers of a table together. A layer that has more than the layers before it leave is too large.
 constexpr std::size_t kLargestLayout = 1000000;
 
 // The layers in the order of their categories; those, and the rows and columns, that have a cell. A table without cells

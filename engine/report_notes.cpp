@@ -1,6 +1,7 @@
 #include "engine/report_notes.h"
 
 #include <algorithm>
+#include <set>
 
 namespace kova::engine {
 namespace {
@@ -24,9 +25,41 @@ void append(std::vector<std::size_t>* all, const std::vector<std::size_t>& more)
   all->insert(all->end(), more.begin(), more.end());
 }
 
+// The notes of everything that a reader of the layouts sees.
+class ShownNotes {
+ public:
+  explicit ShownNotes(const std::vector<TableLayout>& layouts) {
+    for (const TableLayout& layout : layouts) {
+      for (const LayerPart& part : layout.layer) add(part.nameNotes), add(part.categoryNotes);
+      for (const HeadingRun& run : layout.columnHeadings) addRun(run);
+      for (const Stub& stub : layout.stubs) add(stub.notes), addRun(stub.headings);
+      for (const Cell* cell : layout.cells) {
+        if (cell != nullptr) add(&cell->notes);
+      }
+    }
+  }
+
+  bool contains(const Notes& notes) const { return shown_.contains(&notes); }
+
+ private:
+  void add(const Notes* notes) {
+    if (notes != nullptr && !notes->empty()) shown_.insert(notes);
+  }
+  void addRun(const HeadingRun& run) {
+    for (const Heading& heading : run) add(heading.notes);
+  }
+
+  std::set<const Notes*> shown_;
+};
+
 }  // namespace
 
 void NoteMarks::add(const Notes& notes) {
+  addUnmarked(notes);
+  marked_ = texts_.size();
+}
+
+void NoteMarks::addUnmarked(const Notes& notes) {
   for (const std::string& text : notes) {
     if (positions_.try_emplace(text, texts_.size()).second) texts_.push_back(text);
   }
@@ -54,7 +87,9 @@ std::string NoteMarks::markAt(std::size_t position) {
   return mark;
 }
 
-NoteMarks marksOfTable(const PivotTable& table) {
+bool showsTitle(const PivotTable& table) { return !table.titleHidden && !table.key().title.empty(); }
+
+NoteMarks marksOfTable(const PivotTable& table, const std::vector<TableLayout>& layouts, bool outlineIsShown) {
   const auto layers = table.dimensionsAt(Place::kLayer);
   const auto columns = table.dimensionsAt(Place::kColumn);
   const auto rows = table.dimensionsAt(Place::kRow);
@@ -65,16 +100,23 @@ NoteMarks marksOfTable(const PivotTable& table) {
   append(&lines, rows);
   append(&lines, columns);
 
+  const ShownNotes shown(layouts);
   NoteMarks marks;
-  marks.add(table.outlineNotes);
-  marks.add(table.titleNotes);
+  std::vector<const Notes*> hidden;
+  const auto take = [&marks, &hidden](const Notes& notes, bool isShown) {
+    if (isShown) marks.add(notes);
+    if (!isShown && !notes.empty()) hidden.push_back(&notes);
+  };
+  take(table.outlineNotes, outlineIsShown || showsTitle(table));
+  take(table.titleNotes, showsTitle(table));
   for (const std::size_t index : heads) {
     const Dimension& dimension = table.dimensions()[index];
-    marks.add(dimension.notes);
-    for (const Category& category : dimension.categories) marks.add(category.notes);
+    take(dimension.notes, shown.contains(dimension.notes));
+    for (const Category& category : dimension.categories) take(category.notes, shown.contains(category.notes));
   }
-  for (const Cell* cell : notedCells(table, lines)) marks.add(cell->notes);
-  marks.add(table.captionNotes);
+  for (const Cell* cell : notedCells(table, lines)) take(cell->notes, shown.contains(cell->notes));
+  take(table.captionNotes, !table.caption.empty());
+  for (const Notes* notes : hidden) marks.addUnmarked(*notes);
   return marks;
 }
 

@@ -39,12 +39,13 @@ thead { border-top: 2px solid var(--strong); border-bottom: 1px solid var(--stro
 tbody { border-bottom: 1px solid var(--rule); }
 tbody:last-child { border-bottom: 2px solid var(--strong); }
 table.bare { border-top: 2px solid var(--strong); }
-th, td { padding: .32rem .8rem; text-align: left; vertical-align: top; white-space: pre-line; }
+th, td { box-sizing: content-box; padding: .32rem .8rem; text-align: left; vertical-align: top; white-space: pre-line; }
 thead th { vertical-align: bottom; font-weight: 600; }
 thead th.span { text-align: center; border-bottom: 1px solid var(--rule); }
 tbody th { font-weight: 500; }
 tbody tr:hover > * { background: var(--head); }
 .n { text-align: right; white-space: nowrap; }
+thead th.n[style] { white-space: pre-line; }
 .group { border-left: 1px solid var(--rule); }
 sup { margin-left: .15em; line-height: 0; font-size: .72em; font-weight: 400; }
 .n sup.one { position: absolute; margin-left: .1em; line-height: 1; }
@@ -53,6 +54,7 @@ sup a:hover { text-decoration: underline; }
 figcaption { margin-top: .6rem; color: var(--soft); font-size: .9rem; white-space: pre-line; }
 ol.notes { margin: .6rem 0 0; padding-left: 1.4rem; list-style: lower-alpha; color: var(--soft); font-size: .87rem; }
 ol.notes li { white-space: pre-line; }
+ol.notes li.plain { list-style: none; }
 ol.notes li:target, sup a:target { background: var(--rule); }
 .back { text-decoration: none; }
 .text, .posted { margin: 1rem 0; white-space: pre-wrap; overflow-wrap: anywhere; }

@@ -52,17 +52,20 @@ class SectionText {
     addLine("");
   }
 
-  // The heading under which an item stands, unless it stands there already or would be said twice. True when it is new.
-  bool addOutline(const std::string& outline, const std::string& title, const std::string& marked) {
+  // True when the heading of an item is said here: not again, and not when the title says the same.
+  bool opensOutline(const std::string& outline, const std::string& title) {
     if (outline.empty() || outline == title || outline == outline_) return false;
     outline_ = outline;
-    addHeading(marked, '-');
     return true;
+  }
+
+  void addOutline(const std::string& outline, const std::string& title) {
+    if (opensOutline(outline, title)) addHeading(onOneLine(outline), '-');
   }
 
   void addNotes(const NoteMarks& marks) {
     for (std::size_t i = 0; i < marks.texts().size(); ++i) {
-      const std::string mark = NoteMarks::markAt(i) + ". ";
+      const std::string mark = marks.isMarked(i) ? NoteMarks::markAt(i) + ". " : std::string();
       bool isFirst = true;
       const std::size_t room = width_ > mark.size() ? width_ - mark.size() : 1;
       for (const std::string& line : wrapped(presentable(marks.texts()[i]), room)) {
@@ -74,18 +77,20 @@ class SectionText {
 
   // Notes of an outline that is not shown by itself stand at the title.
   void add(const PivotTable& table) {
-    const NoteMarks marks = marksOfTable(table);
     const TableKey& key = table.key();
-    const bool isShown = addOutline(key.outline, key.title, withMarks(key.outline, &table.outlineNotes, marks));
+    const bool isShown = opensOutline(key.outline, key.title);
+    const std::vector<TableLayout> layouts = layOut(table);
+    const NoteMarks marks = marksOfTable(table, layouts, isShown);
+    if (isShown) addHeading(withMarks(key.outline, &table.outlineNotes, marks), '-');
     Notes notes = table.titleNotes;
     if (!isShown) notes.insert(notes.end(), table.outlineNotes.begin(), table.outlineNotes.end());
-    if (!table.titleHidden && !key.title.empty()) {
+    if (showsTitle(table)) {
       addWrapped(withMarks(key.title, &notes, marks));
       addLine("");
     }
     const ColumnLimits limits{width_, static_cast<std::size_t>(table.leastColumnWidth()),
                               static_cast<std::size_t>(table.mostColumnWidth())};
-    for (const TableLayout& layout : layOut(table)) {
+    for (const TableLayout& layout : layouts) {
       addLayer(layout, marks);
       for (const std::string& line : tableLines(layout, marks, limits)) addLine(line);
       addLine("");
@@ -112,7 +117,7 @@ class SectionText {
   }
 
   void add(const TextBlock& block) {
-    addOutline(block.outline, block.title, onOneLine(block.outline));
+    addOutline(block.outline, block.title);
     if (!block.title.empty()) addWrapped(onOneLine(block.title));
     addWrapped(presentable(block.text));
     addLine("");
@@ -124,7 +129,7 @@ class SectionText {
   }
 
   void add(const Graphic& graphic) {
-    addOutline(graphic.outline, graphic.label, onOneLine(graphic.outline));
+    addOutline(graphic.outline, graphic.label);
     const std::string label = graphic.label.empty() ? graphic.name : graphic.label;
     addWrapped("[" + onOneLine(label) + ": " + graphic.type + " image, " + std::to_string(graphic.width) + " x " +
                std::to_string(graphic.height) + " pixels]");

@@ -277,6 +277,61 @@ TEST_F(Report, TablesThatAreTooLargeSaySo) {
             "document holds its cells.\n\n");
 }
 
+// Two layers that fit each for itself, but not both, and a third one that does.
+TEST_F(Report, TheRoomOfATableIsForAllItsLayers) {
+  const DimensionKey layer{"Year", 2, 1, false, false};
+  auto table = client_.table({"", "", "s", false});
+  table.dimension(layer).dimension(kSpecies).dimension(kStatistic);
+  for (const auto& [year, count] : {std::pair{"2007", 800}, {"2008", 800}, {"2009", 1}}) {
+    table.category(layer, year);
+    for (int i = 0; i < count; ++i) {
+      table.category(kSpecies, std::to_string(i)).category(kStatistic, std::to_string(i)).number(kStatistic, i);
+    }
+  }
+  client_.end();
+  const auto& item = client_.state.output.log.sections().back().items.front();
+  const std::vector<TableLayout> layouts = layOut(std::get<PivotTable>(item.content));
+  ASSERT_EQ(layouts.size(), 3U);
+  EXPECT_FALSE(layouts[0].isTooLarge);
+  EXPECT_TRUE(layouts[1].isTooLarge);
+  EXPECT_FALSE(layouts[2].isTooLarge);
+}
+
+TEST_F(Report, FootnotesOfWhatIsHiddenAreListedWithoutAMark) {
+  const DimensionKey unnamed{"Unnamed", 0, 1, true, false};
+  const DimensionKey unlabelled{"Unlabelled", 1, 1, false, true};
+  auto table = client_.table({"", "Hidden", "s", false});
+  table.tell(Command::HidePivotTableTitle).tell(Command::AddTitleFootnotes, items("title"));
+  table.tell(Command::PivotTableCaption, items("Caption"));
+  table.tell(Command::AddCaptionFootnotes, items("Caption", "note"));
+  table.tell(Command::PivotTableCaption, items(""));
+  table.dimension(unnamed).tell(Command::AddDimFootnotes, unnamed, items("name"));
+  table.dimension(unlabelled).tell(Command::AddDimFootnotes, unlabelled, items("shown name"));
+  table.category(unlabelled, "c").tell(Command::AddCategoryFootnotes, unlabelled, items("label"));
+  table.category(unnamed, "without a cell").tell(Command::AddCategoryFootnotes, unnamed, items("category"));
+  table.category(unnamed, "a").number(unnamed, 1).tell(Command::AddCellFootnotes, unnamed, items("cell"));
+  EXPECT_EQ(table.code(), 0);
+  EXPECT_EQ(shown(), R"(   Unlabelled[a]
+-  ----------------
+a          1.000[b]
+
+a. shown name
+b. cell
+title
+label
+name
+category
+note
+
+)");
+}
+
+TEST_F(Report, CharactersThatTurnTheDirectionAreReplaced) {
+  client_.ask(Command::PostKovaOutput, items("a\u202Ab\u202Ec\u2066d\u2069e"));
+  client_.ask(Command::PostKovaOutput, items("\u2029\u202F\u2065\u206A \u2013"));
+  EXPECT_EQ(shown(), "a\uFFFDb\uFFFDc\uFFFDd\uFFFDe\n\n\u2029\u202F\u2065\u206A \u2013\n\n") << "their neighbours stay";
+}
+
 TEST(NoteMarks, RunOnBehindZ) {
   EXPECT_EQ(NoteMarks::markAt(0), "a");
   EXPECT_EQ(NoteMarks::markAt(25), "z");

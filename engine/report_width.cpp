@@ -92,14 +92,15 @@ void wrapLine(std::string_view text, std::size_t width, std::vector<std::string>
     lineWidth = 0;
   };
   eachWord(text, [&](std::string_view word) {
-    const std::size_t wordWidth = displayWidth(word);
+    std::size_t wordWidth = displayWidth(word);
     if (lineWidth > 0 && lineWidth + 1 + wordWidth > width) close();
     if (lineWidth > 0) line += ' ';
-    for (; displayWidth(word) > width; close()) {
+    for (; wordWidth > width; close()) {
       const std::size_t bytes = fitting(word, width);
       if (bytes == word.size()) break;
       line = word.substr(0, bytes);
       word.remove_prefix(bytes);
+      wordWidth -= displayWidth(line);
     }
     line += word;
     lineWidth = displayWidth(line);

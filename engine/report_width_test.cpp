@@ -42,6 +42,12 @@ TEST(Wrapped, BreaksWordsThatAreTooWide) {
       << "marks stay where they belong";
 }
 
+// To measure what is left of the word for every line would take minutes.
+TEST(Wrapped, BreaksAVeryLongWord) {
+  constexpr std::size_t kLong = 1 << 20;
+  EXPECT_EQ(wrapped(std::string(kLong, 'x'), 1).size(), kLong);
+}
+
 TEST(Padded, FillsUp) {
   EXPECT_EQ(padded("ab", 5, Align::kLeft), "ab   ");
   EXPECT_EQ(padded("ab", 5, Align::kRight), "   ab");

@@ -1,23 +1,23 @@
 #include "engine/response_set.h"
 
 #include <charconv>
-#include <cmath>
 #include <string_view>
 
+#include "engine/dictionary_rules.h"
 #include "engine/text_rules.h"
 
 namespace kova::engine {
 namespace {
 
-bool isFiniteNumber(std::string_view text) {
+bool isNumber(std::string_view text) {
   double value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  return error == std::errc() && end == text.data() + text.size() && std::isfinite(value);
+  return error == std::errc() && end == text.data() + text.size() && isValidNumber(value);
 }
 
 bool fitsAsCountedValue(const ResponseSet& set, const Variable& variable) {
   if (set.kind == ResponseSetKind::kCategories) return set.countedValue.empty();
-  if (variable.isNumeric()) return isFiniteNumber(set.countedValue);
+  if (variable.isNumeric()) return isNumber(set.countedValue);
   return !set.countedValue.empty() && set.countedValue.size() <= static_cast<std::size_t>(variable.width);
 }
 

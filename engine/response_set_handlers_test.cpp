@@ -80,6 +80,12 @@ TEST_F(ResponseSetRequests, OtherSetsAreRefused) {
       {"a text among numbers", ErrorCode::kCountedValueNotValid, "$s", kDichotomies, "yes", {"one", "two"}},
       {"half a number", ErrorCode::kCountedValueNotValid, "$s", kDichotomies, "1x", {"one", "two"}},
       {"no number", ErrorCode::kCountedValueNotValid, "$s", kDichotomies, "nan", {"one", "two"}},
+      {"the system-missing number",
+       ErrorCode::kCountedValueNotValid,
+       "$s",
+       kDichotomies,
+       "-1.7976931348623157e308",
+       {"one", "two"}},
       {"in place of another", ErrorCode::kNoSuchVariable, "$both", kCategories, "", {"one", "three"}},
   };
   for (const Row& row : rows) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 
 #include "engine/text_file.h"
 
@@ -17,13 +18,24 @@ struct Range {
   char32_t last;
 };
 
-// What is no letter beyond ASCII, in rising order.
 constexpr Range kNoLetters[] = {
-    {0x80, 0xA9},     {0xAB, 0xB4},     {0xB6, 0xB9},     {0xBB, 0xBF},       {0xD7, 0xD7},        {0xF7, 0xF7},
-    {0x1680, 0x1680}, {0x2000, 0x20CF}, {0x2190, 0x2BFF}, {0x2E00, 0x2E7F},   {0x3000, 0x3004},    {0x3007, 0x3020},
-    {0x3030, 0x3030}, {0xE000, 0xF8FF}, {0xFE10, 0xFE1F}, {0xFE30, 0xFE6F},   {0xFEFF, 0xFEFF},    {0xFF00, 0xFF20},
-    {0xFF3B, 0xFF40}, {0xFF5B, 0xFF65}, {0xFFE0, 0xFFFF}, {0x1F000, 0x1FAFF}, {0xE0000, 0x10FFFF},
+#define KOVA_NO_LETTER(first, last) {first, last},
+#include "engine/text_letters.def"
+#undef KOVA_NO_LETTER
 };
+
+constexpr Range kMarks[] = {
+#define KOVA_MARK(first, last) {first, last},
+#include "engine/text_letters.def"
+#undef KOVA_MARK
+};
+
+template <std::size_t count>
+bool isIn(const Range (&ranges)[count], char32_t character) {
+  const Range* const range = std::lower_bound(std::begin(ranges), std::end(ranges), character,
+                                              [](const Range& before, char32_t value) { return before.last < value; });
+  return range != std::end(ranges) && range->first <= character;
+}
 
 unsigned char lower(char character) {
   return static_cast<unsigned char>(character >= 'A' && character <= 'Z' ? character - 'A' + 'a' : character);
@@ -42,9 +54,10 @@ char32_t takeCharacter(std::string_view* text) {
 
 bool isLetter(char32_t character) {
   if (character < 0x80) return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
-  return std::none_of(std::begin(kNoLetters), std::end(kNoLetters),
-                      [character](const Range& range) { return character >= range.first && character <= range.last; });
+  return !isIn(kNoLetters, character);
 }
+
+bool mayBegin(char32_t character) { return (isLetter(character) && !isIn(kMarks, character)) || character == '@'; }
 
 bool mayFollow(char32_t character) {
   constexpr std::u32string_view kOthers = U"0123456789._$#@";
@@ -56,8 +69,7 @@ NameFault faultOfName(std::string_view name) {
   if (name.empty()) return NameFault::kEmpty;
   if (name.size() > kLongestName) return NameFault::kTooLong;
   std::string_view rest = name;
-  const char32_t first = takeCharacter(&rest);
-  if (!isLetter(first) && first != '@') return NameFault::kBadStart;
+  if (!mayBegin(takeCharacter(&rest))) return NameFault::kBadStart;
   while (!rest.empty()) {
     if (!mayFollow(takeCharacter(&rest))) return NameFault::kBadCharacter;
   }

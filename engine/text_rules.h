@@ -3,7 +3,7 @@
 // Two names are the same when they differ in nothing but the case of the letters A to Z. A name has 1 to 64 bytes of
 // UTF-8. A variable's begins with a letter or '@'; letters, digits and . _ $ # @ may follow, but it does not end in a
 // period and is none of the reserved words. Beyond ASCII every character counts as a letter but controls, spaces,
-// punctuation, symbols and private ones.
+// punctuation, symbols and private ones; a mark that combines with the letter before it can not begin a name.
 #ifndef KOVADX_ENGINE_TEXT_RULES_H
 #define KOVADX_ENGINE_TEXT_RULES_H
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -52,7 +53,7 @@ class Numbering : public pugi::xml_tree_walker {
   std::unordered_map<const void*, std::size_t> numbers_;
 };
 
-// The library compares two nodes by walking along their siblings, which takes minutes for the cells of a large table.
+// The library's own sort takes quadratic time for a union: there one sorted run stands behind another.
 std::vector<pugi::xpath_node> inOrder(const pugi::xpath_node_set& set, pugi::xml_node root) {
   std::vector<pugi::xpath_node> nodes(set.begin(), set.end());
   if (set.type() == pugi::xpath_node_set::type_sorted_reverse) std::reverse(nodes.begin(), nodes.end());
@@ -77,6 +78,28 @@ void addTexts(const pugi::xpath_query& expression, const pugi::xpath_node& conte
   }
 }
 
+class ByteWriter : public pugi::xml_writer {
+ public:
+  void write(const void* data, std::size_t size) override { bytes_.append(static_cast<const char*>(data), size); }
+  const std::string& bytes() const { return bytes_; }
+
+ private:
+  std::string bytes_;
+};
+
+// The same document, read from its own text. The library compares two nodes that it has read by their places in the
+// text, but two that were added by walking along their siblings: sorting the cells of a large table took minutes.
+std::unique_ptr<pugi::xml_document> reread(const pugi::xml_document& document) {
+  ByteWriter writer;
+  document.save(writer, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+  const std::string& bytes = writer.bytes();
+  auto copy = std::make_unique<pugi::xml_document>();
+  constexpr unsigned int kKeepsWhiteSpace = pugi::parse_escapes | pugi::parse_ws_pcdata;
+  // What was written can be read, unless there is no memory.
+  if (!copy->load_buffer(bytes.data(), bytes.size(), kKeepsWhiteSpace, pugi::encoding_utf8)) throw std::bad_alloc();
+  return copy;
+}
+
 // Collects what the library writes in 16-bit units.
 class WideWriter : public pugi::xml_writer {
  public:
@@ -95,21 +118,23 @@ class WideWriter : public pugi::xml_writer {
 }  // namespace
 
 struct XPathDocuments::Documents {
-  pugi::xml_document output;
+  std::unique_ptr<pugi::xml_document> output = std::make_unique<pugi::xml_document>();
   std::size_t sectionsInOutput = 0;
-  std::map<std::string, pugi::xml_document> own;
+  std::map<std::string, std::unique_ptr<pugi::xml_document>> own;
 
   // Null when there is no such document. The output's takes in what was finished meanwhile.
-  pugi::xml_document* find(const OutputLog& log, const std::string& handle) {
+  const pugi::xml_document* find(const OutputLog& log, const std::string& handle) {
     if (handle != kOutputHandle) {
       const auto found = own.find(handle);
-      return found == own.end() ? nullptr : &found->second;
+      return found == own.end() ? nullptr : found->second.get();
     }
-    if (!output.first_child()) output.append_child("output");
+    if (!output->first_child()) output->append_child("output");
+    if (sectionsInOutput == log.sections().size()) return output.get();
     for (; sectionsInOutput < log.sections().size(); ++sectionsInOutput) {
-      appendSection(output.first_child(), log.sections()[sectionsInOutput]);
+      appendSection(output->first_child(), log.sections()[sectionsInOutput]);
     }
-    return &output;
+    output = reread(*output);
+    return output.get();
   }
 };
 
@@ -127,9 +152,10 @@ std::vector<std::string> XPathDocuments::handles() const {
 ErrorCode XPathDocuments::create(const std::string& handle, const DataSet& dataSet) {
   if (handle.empty()) return ErrorCode::kOutputNameEmpty;
   if (handle == kOutputHandle) return ErrorCode::kHandleReserved;
-  const auto [entry, isNew] = documents_->own.try_emplace(handle);
-  if (!isNew) return ErrorCode::kHandleExists;
-  appendDictionary(entry->second, dataSet);
+  if (documents_->own.contains(handle)) return ErrorCode::kHandleExists;
+  pugi::xml_document made;
+  appendDictionary(made, dataSet);
+  documents_->own.emplace(handle, reread(made));
   return ErrorCode::kNone;
 }
 

@@ -239,6 +239,19 @@ TEST_F(XPath, Tags) {
   EXPECT_THAT(client_.reply.Strings().values(), ElementsAre("Summary", "Other", "means"));
 }
 
+TEST_F(XPath, WhiteSpaceIsKept) {
+  client_.start("  two\nlines\t ");
+  client_.ask(Command::AddTextBlock, items("o", " ", "  ", 0));
+  client_.ask(Command::AddTextBlock, items("o", "t", "\n a\n\nb ", 0));
+  client_.end();
+  EXPECT_THAT(evaluate("//procedure/@name"), ElementsAre("  two\nlines  "));
+  EXPECT_THAT(evaluate("//text/@title"), ElementsAre(" ", "t"));
+  EXPECT_THAT(evaluate("//text"), ElementsAre("  ", "\n a\n\nb "));
+  client_.state.active->variables.change(0).label = " \n";
+  client_.ask(Command::CreateXPathDictionary, items("d"));
+  EXPECT_THAT(evaluate("//variable[1]/@label", "/", "d"), ElementsAre(" \n"));
+}
+
 // Comparing each cell with each other would take minutes.
 TEST_F(XPath, ManyCellsAreQuick) {
   client_.start("P");
@@ -253,6 +266,7 @@ TEST_F(XPath, ManyCellsAreQuick) {
   EXPECT_EQ(both[9999], "9999") << "the categories stand before the cells";
   EXPECT_EQ(both[10000], "0");
   EXPECT_THAT(evaluate("ancestor::*/@name", "//cell[10000]"), ElementsAre("P"));
+  EXPECT_THAT(evaluate("(//cell | //category)[2]"), ElementsAre("1")) << "sorted before one is picked";
 }
 
 }  // namespace

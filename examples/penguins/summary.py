@@ -33,8 +33,12 @@ def read_groups(path):
 
 
 def positions(engine):
-    """Where each variable stands in the dictionary, by name."""
-    return {engine.value("GetVariableName", i): i for i in range(engine.value("GetVariableCount"))}
+    """Where each variable stands in the dictionary, by name; those that the table is about must be there."""
+    where = {engine.value("GetVariableName", i): i for i in range(engine.value("GetVariableCount"))}
+    missing = [name for name in (SPECIES, ISLAND, MASS) if name not in where]
+    if missing:
+        raise EngineError(f"the data have no variable {', '.join(missing)}; give kovadx run --data examples/penguins")
+    return where
 
 
 def fill_row(engine, where, key, masses, unknown):
