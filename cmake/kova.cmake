@@ -61,23 +61,35 @@ macro(kova_add_third_party)
   target_include_directories(pugixml SYSTEM PUBLIC "${KOVA_DEPS_DIR}/pugixml/src")
 endmacro()
 
+set(KOVA_KIT_SOURCES kit.cpp kit_main.cpp kit_system.cpp)
+list(TRANSFORM KOVA_KIT_SOURCES PREPEND "${CMAKE_SOURCE_DIR}/tests/kit/")
+
 # Adds sources to the library proper (see src/CMakeLists.txt).
 function(kova_sources)
   target_sources(kova_core PRIVATE ${ARGN})
 endfunction()
 
-# kova_test(name FILE... [FAKE] [LIBS lib...] [TIMEOUT seconds]): one GoogleTest program and one CTest entry. FAKE links
-# the in-memory backend in place of the platform's.
+# kova_test(name FILE... [FAKE] [KIT] [LIBS lib...] [TIMEOUT seconds]): one GoogleTest program and one CTest entry. FAKE
+# links the in-memory backend in place of the platform's. KIT takes the kit's main, whose children are named functions of
+# the same program (see tests/kit/kit.h).
 function(kova_test name)
   if(KOVA_FUZZ)
     return()
   endif()
-  cmake_parse_arguments(T "FAKE" "TIMEOUT" "LIBS" ${ARGN})
-  add_executable(${name} ${T_UNPARSED_ARGUMENTS})
+  cmake_parse_arguments(T "FAKE;KIT" "TIMEOUT" "LIBS" ${ARGN})
+  set(backend kova_os)
   if(T_FAKE)
-    target_link_libraries(${name} PRIVATE kova_flags kova_core kova_os_fake ${T_LIBS} gmock gtest_main)
-  else()
-    target_link_libraries(${name} PRIVATE kova_flags kova_core kova_os ${T_LIBS} gmock gtest_main)
+    set(backend kova_os_fake)
+  endif()
+  set(main gtest_main)
+  if(T_KIT)
+    set(main gtest)
+    list(APPEND T_UNPARSED_ARGUMENTS ${KOVA_KIT_SOURCES})
+  endif()
+  add_executable(${name} ${T_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE kova_flags kova_core ${backend} ${T_LIBS} gmock ${main})
+  if(T_KIT AND T_FAKE)
+    target_compile_definitions(${name} PRIVATE KOVA_KIT_FAKE)
   endif()
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
   target_compile_definitions(${name} PRIVATE KOVA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" KOVA_HOME_DIR="${KOVA_HOME_DIR}")

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "engine/data_package.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
@@ -38,7 +38,7 @@ class DataPackageLinks : public testing::Test {
                                    path + "\"");
   }
 
-  const ScratchFolder folder_;
+  const kit::ScratchFolder folder_;
 };
 
 TEST_F(DataPackageLinks, ThatLeadOutAreRefused) {

@@ -4,14 +4,14 @@
 #include <algorithm>
 
 #include "engine/data_package.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
 
 // What a package of these two files is refused with, the folder's path taken off. The data set must stay untouched.
 std::string problemOf(const std::string& descriptor, const std::string& table) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("datapackage.json", descriptor);
   folder.write("t.csv", table);
   DataSet dataSet;
@@ -363,12 +363,12 @@ TEST(TableProblems, CasesThatNoMemoryHoldsAreRefused) {
 }
 
 TEST(TableProblems, AMissingTableIsNamed) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("datapackage.json", withResource(R"("path": "none.csv", "schema": {"fields": [{"name": "a"}]})"));
   DataSet dataSet;
   std::string problem;
   EXPECT_FALSE(readDataPackage(folder.path(), &dataSet, &problem));
-  EXPECT_EQ(problem.find(folder.path("none.csv") + ": expected a file that can be read, found "), 0U) << problem;
+  EXPECT_EQ(problem.find(folder.path() + "/none.csv: expected a file that can be read, found "), 0U) << problem;
 }
 
 }  // namespace

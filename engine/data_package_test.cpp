@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
@@ -19,7 +19,7 @@ DataSet read(const std::string& path) {
 
 // A package of one resource with these fields and this table.
 DataSet readTable(const std::string& fields, const std::string& table, const std::string& schemaRest = "") {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("datapackage.json", R"({"resources": [{"name": "t", "path": "t.csv", "schema": {"fields": [)" + fields +
                                        "]" + schemaRest + "}}]}");
   folder.write("t.csv", table);
@@ -141,7 +141,7 @@ TEST(DataPackage, StringsStandLeftAndNumbersRight) {
 
 // The resource's own keys stand in front of the package's.
 TEST(DataPackage, TakesTheOwnKeysOfTheDataSet) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("datapackage.json", R"({
     "x-kova": {"attributes": {"wave": "1", "Source": "survey"}, "weight": "n",
                "responseSets": [{"name": "$a", "kind": "categories", "variables": ["s", "t"]}]},
@@ -242,7 +242,7 @@ TEST(DataPackage, ABlankLineIsACaseOfASingleVariable) {
 }
 
 TEST(DataPackage, ItsFoldersNameMayEndAsADescriptors) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   std::filesystem::create_directory(folder.path("d.json"));
   folder.write("d.json/datapackage.json",
                R"({"resources": [{"name": "t", "path": "t.csv", "schema": {"fields": [{"name": "a"}]}}]})");
@@ -265,7 +265,7 @@ TEST(DataPackage, ReadsBooleansWithTheirOwnWords) {
 }
 
 TEST(DataPackage, TakesAnotherDelimiter) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("datapackage.json", R"({"resources": [{"name": "t", "path": ["sub/t.csv"], "dialect": {"delimiter": ";"},
       "schema": {"fields": [{"name": "a"}, {"name": "b"}]}}]})");
   std::filesystem::create_directory(folder.path("sub"));
@@ -276,7 +276,7 @@ TEST(DataPackage, TakesAnotherDelimiter) {
 }
 
 TEST(DataPackage, OpensNoFileForEveryRead) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   for (int i = 0; i < 2000; ++i) {
     DataSet dataSet;
     std::string problem;

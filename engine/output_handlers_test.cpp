@@ -7,7 +7,7 @@
 #include "engine/engine.h"
 #include "engine/output_client.h"
 #include "engine/output_graphic.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
@@ -205,7 +205,7 @@ std::string pngBytes() {
 }
 
 TEST_F(Output, GraphicsAreTakenIn) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("plot.png", pngBytes());
   client_.ask(Command::SetGraphicsLabel, items("A plot", "Plots"));
   EXPECT_EQ(client_.ask(Command::GetGraphic, items(folder.path("plot.png"))), 0);
@@ -222,7 +222,7 @@ TEST_F(Output, GraphicsAreTakenIn) {
 }
 
 TEST_F(Output, OtherFilesAreNoGraphics) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("text.png", "just text that is long enough to be looked at");
   folder.write("short.png", pngBytes().substr(0, 20));
   std::string empty = pngBytes();

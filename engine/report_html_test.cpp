@@ -6,7 +6,7 @@
 
 #include "engine/output_client.h"
 #include "engine/report_html_table.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
@@ -285,7 +285,7 @@ TEST_F(HtmlReport, ColumnWidthLimits) {
 }
 
 TEST_F(HtmlReport, TextGraphicsAndGroups) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("plot.png", std::string("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x02\0\0\0\x03 p", 26));
   client_.ask(Command::AddTextBlock, items("Remarks", "Title", "a\nb", 0));
   client_.ask(Command::SplitChange, items("P"));

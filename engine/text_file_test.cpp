@@ -3,26 +3,26 @@
 #include <gtest/gtest.h>
 
 #include "engine/data_problem.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 
 namespace kova::engine {
 namespace {
 
 TEST(TextFile, ReadsAFileWhole) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   const std::string text = std::string(100000, 'x') + std::string("\r\n\0y", 4);
   folder.write("t", text);
   EXPECT_EQ(readTextFile(folder.path("t")), text);
 }
 
 TEST(TextFile, LeavesOutAByteOrderMark) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   folder.write("t", "\xEF\xBB\xBF{}");
   EXPECT_EQ(readTextFile(folder.path("t")), "{}");
 }
 
 TEST(TextFile, NamesAFileThatIsNotThere) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   const std::string path = folder.path("none");
   try {
     readTextFile(path);
@@ -34,7 +34,7 @@ TEST(TextFile, NamesAFileThatIsNotThere) {
 }
 
 TEST(TextFile, TellsAFolderFromAFile) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   try {
     readTextFile(folder.path());
     FAIL() << "no problem";

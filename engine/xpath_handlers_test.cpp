@@ -7,7 +7,7 @@
 #include <filesystem>
 
 #include "engine/output_client.h"
-#include "engine/scratch_folder.h"
+#include "tests/kit/scratch_folder.h"
 #include "trace/DxTracer.h"
 
 namespace kova::engine {
@@ -104,7 +104,7 @@ TEST_F(XPath, TheOutputGrows) {
 }
 
 TEST_F(XPath, WhatIsNoExpression) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   DxTracer tracer;
   tracer.open(folder.path("trace.log"));
   SetDxTracer(&tracer);
@@ -215,7 +215,7 @@ TEST_F(XPath, TheWholeDocument) {
 }
 
 TEST_F(XPath, Images) {
-  const ScratchFolder folder;
+  const kit::ScratchFolder folder;
   const std::string bytes("\x89PNG\r\n\x1A\n\0\0\0\rIHDR\0\0\0\x02\0\0\0\x03 pixels", 31);
   folder.write("plot.png", bytes);
   client_.ask(Command::GetGraphic, items(folder.path("plot.png")));

@@ -1,7 +1,8 @@
 // What tests that need a second process share: named child functions of the same binary, scratch names, leak counts.
 //
-// A program made with kova_kit_test has the kit's main: started by a test as its own child it runs the named function
-// in place of the tests. After each test it checks that no descriptor, socket file or child process was left behind.
+// A program made with kova_test(... KIT) has the kit's main: started by a test as its own child it runs the named
+// function in place of the tests. After each test it checks that no descriptor, socket file or child process was left
+// behind.
 //
 //   KOVA_KIT_CHILD(exits_with) { return std::stoi(arguments.at(0)); }
 //   TEST(Process, TellsItsExitCode) { EXPECT_EQ(kova::kit::runChild("exits_with", {"7"}), 7); }

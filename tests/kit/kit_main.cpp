@@ -1,4 +1,4 @@
-// The main of every program made with kova_kit_test.
+// The main of every program made with kova_test(... KIT).
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
