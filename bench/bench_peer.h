@@ -135,13 +135,18 @@ struct Comparison {
   double ratio = 0;
 };
 
-// Times the two ways in turn, in the other order every other pair, so that what the machine does meanwhile meets both.
-inline Comparison compare(const std::function<void()>& floor, const std::function<void()>& ours, int pairs = 15) {
-  const auto timed = [](const std::function<void()>& work) {
-    const std::uint64_t start = os::TickUs();
-    work();
-    return static_cast<double>(os::TickUs() - start);
-  };
+// How long the work takes, in microseconds.
+template <typename Work>
+double timeOf(const Work& work) {
+  const std::uint64_t start = os::TickUs();
+  work();
+  return static_cast<double>(os::TickUs() - start);
+}
+
+// Takes the times of the two ways, which they measure themselves, in turn and in the other order every other pair, so
+// that what the machine does meanwhile meets both.
+inline Comparison compareTimes(const std::function<double()>& floor, const std::function<double()>& ours,
+                               int pairs = 15) {
   std::vector<double> floors;
   std::vector<double> our;
   std::vector<double> ratios;
@@ -149,12 +154,17 @@ inline Comparison compare(const std::function<void()>& floor, const std::functio
   ours();
   for (int pair = 0; pair < pairs; ++pair) {
     const bool floorFirst = pair % 2 == 0;
-    if (floorFirst) floors.push_back(timed(floor));
-    our.push_back(timed(ours));
-    if (!floorFirst) floors.push_back(timed(floor));
+    if (floorFirst) floors.push_back(floor());
+    our.push_back(ours());
+    if (!floorFirst) floors.push_back(floor());
     ratios.push_back(our.back() / floors.back());
   }
   return {median(floors), median(our), median(ratios)};
+}
+
+// The same for two ways of which all counts.
+inline Comparison compare(const std::function<void()>& floor, const std::function<void()>& ours, int pairs = 15) {
+  return compareTimes([&] { return timeOf(floor); }, [&] { return timeOf(ours); }, pairs);
 }
 
 }  // namespace kova::bench

@@ -18,6 +18,26 @@ std::size_t wholeCharacters(const char* bytes, std::size_t size, std::size_t wid
   return width;
 }
 
+bool fits(std::uint64_t caseUnits, std::uint64_t cases) {
+  return caseUnits * kUnitBytes <= kMostCasesBytes / std::max<std::uint64_t>(cases, 1);
+}
+
+// Every variable as its own source.
+std::vector<std::optional<std::size_t>> inOrder(std::size_t count) {
+  std::vector<std::optional<std::size_t>> sources(count);
+  for (std::size_t i = 0; i < count; ++i) sources[i] = i;
+  return sources;
+}
+
+template <typename Element>
+void moveElement(std::vector<Element>* elements, std::size_t from, std::size_t to) {
+  const auto at = [elements](std::size_t position) {
+    return elements->begin() + static_cast<std::ptrdiff_t>(position);
+  };
+  if (from < to) std::rotate(at(from), at(from) + 1, at(to) + 1);
+  if (to < from) std::rotate(at(to), at(from), at(from) + 1);
+}
+
 }  // namespace
 
 CaseStore::CaseStore(const std::vector<int>& widths) {
@@ -35,6 +55,40 @@ std::uint64_t CaseStore::caseBytesOf(const std::vector<int>& widths) {
 }
 
 void CaseStore::appendCase() { units_.insert(units_.end(), emptyCase_.begin(), emptyCase_.end()); }
+
+void CaseStore::insertCase(std::size_t position) {
+  units_.insert(units_.begin() + static_cast<std::ptrdiff_t>(position * caseUnits_), emptyCase_.begin(),
+                emptyCase_.end());
+}
+
+void CaseStore::appendCases(const void* bytes, std::size_t count) {
+  const std::size_t size = units_.size();
+  units_.resize(size + count * caseUnits_);
+  std::memcpy(units_.data() + size, bytes, count * caseBytes());
+}
+
+void CaseStore::eraseCase(std::size_t position) {
+  const auto first = units_.begin() + static_cast<std::ptrdiff_t>(position * caseUnits_);
+  units_.erase(first, first + static_cast<std::ptrdiff_t>(caseUnits_));
+}
+
+std::size_t CaseStore::bytesOfVariables(std::size_t first, std::size_t count) const {
+  std::size_t units = 0;
+  for (std::size_t i = first; i < first + count; ++i) units += slots_[i].units;
+  return units * kUnitBytes;
+}
+
+bool CaseStore::mayAdd(std::uint64_t cases) const {
+  return cases <= kMostCasesBytes && fits(caseUnits_, caseCount() + cases);
+}
+
+void CaseStore::setCase(std::size_t position, const void* bytes) {
+  std::memcpy(units_.data() + position * caseUnits_, bytes, caseBytes());
+}
+
+void CaseStore::setVariables(std::size_t position, std::size_t first, std::size_t count, const void* bytes) {
+  if (count > 0) std::memcpy(bytesOf(position, first), bytes, bytesOfVariables(first, count));
+}
 
 void CaseStore::setNumber(std::size_t position, std::size_t variable, double value) {
   std::memcpy(bytesOf(position, variable), &value, sizeof value);
@@ -62,18 +116,47 @@ bool CaseStore::sameValue(std::size_t position, std::size_t other, std::size_t v
 }
 
 bool CaseStore::mayChangeWidth(std::size_t variable, int width) const {
-  const std::uint64_t units = caseUnits_ - slots_[variable].units + unitsOf(width);
-  return units * kUnitBytes <= kMostCasesBytes / std::max<std::uint64_t>(caseCount(), 1);
+  return fits(caseUnits_ - slots_[variable].units + unitsOf(width), caseCount());
 }
 
 void CaseStore::changeWidth(std::size_t variable, int width) {
-  std::vector<int> widths = this->widths();
-  widths[variable] = width;
-  CaseStore changed(widths);
-  const std::size_t count = caseCount();
-  changed.units_.reserve(count * changed.caseUnits_);
-  for (std::size_t i = 0; i < count; ++i) changed.copyCase(*this, i, variable);
+  std::vector<int> changedWidths = widths();
+  changedWidths[variable] = width;
+  std::vector<std::optional<std::size_t>> sources = inOrder(slots_.size());
+  sources[variable].reset();
+  CaseStore changed = rearranged(changedWidths, sources);
+  for (std::size_t i = 0; i < changed.caseCount(); ++i) changed.takeText(i, variable, *this);
   *this = std::move(changed);
+}
+
+bool CaseStore::mayInsertVariables(const std::vector<int>& widths) const {
+  return fits(caseUnits_ + caseBytesOf(widths) / kUnitBytes, caseCount());
+}
+
+void CaseStore::insertVariables(std::size_t position, const std::vector<int>& widths) {
+  const auto place = static_cast<std::ptrdiff_t>(position);
+  std::vector<int> all = this->widths();
+  std::vector<std::optional<std::size_t>> sources = inOrder(all.size());
+  all.insert(all.begin() + place, widths.begin(), widths.end());
+  sources.insert(sources.begin() + place, widths.size(), std::nullopt);
+  *this = rearranged(all, sources);
+}
+
+void CaseStore::eraseVariable(std::size_t variable) {
+  const auto place = static_cast<std::ptrdiff_t>(variable);
+  std::vector<int> left = widths();
+  std::vector<std::optional<std::size_t>> sources = inOrder(left.size());
+  left.erase(left.begin() + place);
+  sources.erase(sources.begin() + place);
+  *this = rearranged(left, sources);
+}
+
+void CaseStore::moveVariable(std::size_t from, std::size_t to) {
+  std::vector<int> moved = widths();
+  std::vector<std::optional<std::size_t>> sources = inOrder(moved.size());
+  moveElement(&moved, from, to);
+  moveElement(&sources, from, to);
+  *this = rearranged(moved, sources);
 }
 
 std::vector<int> CaseStore::widths() const {
@@ -82,20 +165,44 @@ std::vector<int> CaseStore::widths() const {
   return widths;
 }
 
-// Appends a case of a store that differs in one variable's width: what stands before and behind that one is the same.
-void CaseStore::copyCase(const CaseStore& from, std::size_t position, std::size_t changed) {
-  const std::size_t target = caseCount();
-  appendCase();
-  const Slot& slot = slots_[changed];
-  const Slot& fromSlot = from.slots_[changed];
-  const std::uint64_t* source = from.units_.data() + position * from.caseUnits_;
-  std::uint64_t* const copy = units_.data() + target * caseUnits_;
-  std::copy_n(source, slot.first, copy);
-  source += fromSlot.first + fromSlot.units;
-  std::copy_n(source, from.caseUnits_ - fromSlot.first - fromSlot.units, copy + slot.first + slot.units);
-  const char* const text = from.bytesOf(position, changed);
-  const std::size_t bytes = wholeCharacters(text, fromSlot.width, slot.width);
-  if (bytes > 0) std::memcpy(bytesOf(target, changed), text, bytes);
+// All cases laid out for other variables. Each takes the values of the old one that is its source; without a source the
+// cases have no values of it.
+CaseStore CaseStore::rearranged(const std::vector<int>& widths,
+                                const std::vector<std::optional<std::size_t>>& sources) const {
+  CaseStore changed(widths);
+  const std::vector<Run> runs = changed.runsFrom(*this, sources);
+  const std::size_t count = changed.caseUnits_ == 0 ? 0 : caseCount();
+  changed.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    changed.appendCase();
+    const std::uint64_t* const from = units_.data() + i * caseUnits_;
+    std::uint64_t* const to = changed.units_.data() + i * changed.caseUnits_;
+    for (const Run& run : runs) std::copy_n(from + run.from, run.units, to + run.to);
+  }
+  return changed;
+}
+
+// Variables that stay side by side are copied as one.
+std::vector<CaseStore::Run> CaseStore::runsFrom(const CaseStore& old,
+                                                const std::vector<std::optional<std::size_t>>& sources) const {
+  std::vector<Run> runs;
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    if (!sources[i]) continue;
+    const Run run{old.slots_[*sources[i]].first, slots_[i].first, slots_[i].units};
+    if (!runs.empty() && runs.back().from + runs.back().units == run.from &&
+        runs.back().to + runs.back().units == run.to) {
+      runs.back().units += run.units;
+    } else {
+      runs.push_back(run);
+    }
+  }
+  return runs;
+}
+
+void CaseStore::takeText(std::size_t position, std::size_t variable, const CaseStore& old) {
+  const char* const text = old.bytesOf(position, variable);
+  const std::size_t bytes = wholeCharacters(text, old.slots_[variable].width, slots_[variable].width);
+  if (bytes > 0) std::memcpy(bytesOf(position, variable), text, bytes);
 }
 
 char* CaseStore::bytesOf(std::size_t position, std::size_t variable) {

@@ -161,6 +161,120 @@ TEST(CaseStore, ComparesValuesOfTwoCases) {
   EXPECT_FALSE(cases.sameValue(0, 2, 1)) << "it differs in its second unit";
 }
 
+TEST(CaseStore, ACaseIsInsertedAndErasedAnywhere) {
+  for (std::size_t place = 0; place <= 3; ++place) {
+    CaseStore cases = numberTextNumber();
+    cases.insertCase(place);
+    ASSERT_EQ(cases.caseCount(), 4U);
+    EXPECT_EQ(cases.number(place, 0), kSystemMissing) << place;
+    EXPECT_EQ(cases.text(place, 1), "         ") << place;
+    for (std::size_t i = 0; i < 3; ++i)
+      EXPECT_EQ(cases.number(i < place ? i : i + 1, 2), 100 + static_cast<double>(i)) << place;
+    cases.eraseCase(place);
+    EXPECT_TRUE(cases == numberTextNumber()) << place;
+  }
+}
+
+TEST(CaseStore, TheLastCaseCanBeErased) {
+  CaseStore cases({8});
+  cases.insertCase(0);
+  cases.eraseCase(0);
+  EXPECT_EQ(cases.caseCount(), 0U);
+}
+
+TEST(CaseStore, ManyCasesAreAppendedAsTheyTravel) {
+  const CaseStore more = numberTextNumber();
+  std::string unaligned = "x" + bytesOf(more);
+  CaseStore cases = numberTextNumber();
+  cases.appendCases(unaligned.data() + 1, 3);
+  cases.appendCases(nullptr, 0);
+  EXPECT_EQ(bytesOf(cases), bytesOf(more) + bytesOf(more));
+}
+
+TEST(CaseStore, GivesAndTakesTheBytesOfACase) {
+  const CaseStore from = numberTextNumber();
+  CaseStore cases = numberTextNumber();
+  cases.setCase(0, from.caseAt(2));
+  EXPECT_EQ(cases.number(0, 0), 2.0);
+  EXPECT_EQ(cases.number(0, 2), 102.0);
+  EXPECT_EQ(cases.number(1, 0), 1.0);
+  EXPECT_EQ(bytesOf(from).substr(64), std::string(static_cast<const char*>(from.caseAt(2)), 32));
+}
+
+TEST(CaseStore, GivesAndTakesTheBytesOfSomeVariables) {
+  CaseStore cases = numberTextNumber();
+  EXPECT_EQ(cases.bytesOfVariables(0, 0), 0U);
+  EXPECT_EQ(cases.bytesOfVariables(0, 2), 24U);
+  EXPECT_EQ(cases.bytesOfVariables(1, 2), 24U);
+  const std::string bytes = "Gentoo          " + std::string("\0\0\0\0\0\0\x04\xC0", 8);
+  cases.setVariables(1, 1, 2, bytes.data());
+  cases.setVariables(1, 3, 0, nullptr);
+  EXPECT_EQ(std::string(static_cast<const char*>(cases.variablesAt(1, 1)), 24), bytes);
+  EXPECT_EQ(cases.number(1, 0), 1.0);
+  EXPECT_EQ(cases.number(1, 2), -2.5);
+  EXPECT_EQ(cases.text(2, 1), "Chinstrap");
+}
+
+TEST(CaseStore, VariablesAreInsertedAnywhere) {
+  struct Row {
+    std::size_t place;
+    std::size_t number;
+    std::size_t text;
+    std::size_t other;
+  };
+  for (const Row row : {Row{0, 2, 3, 4}, Row{1, 0, 3, 4}, Row{2, 0, 1, 4}, Row{3, 0, 1, 2}}) {
+    CaseStore cases = numberTextNumber();
+    cases.insertVariables(row.place, {0, 32767});
+    EXPECT_EQ(cases.caseBytes(), 32U + 8 + 32768);
+    ASSERT_EQ(cases.caseCount(), 3U);
+    for (std::size_t i = 0; i < 3; ++i) {
+      EXPECT_EQ(cases.number(i, row.place), kSystemMissing) << row.place;
+      EXPECT_EQ(cases.text(i, row.place + 1), std::string(32767, ' ')) << row.place;
+      EXPECT_EQ(cases.number(i, row.number), static_cast<double>(i)) << row.place;
+      EXPECT_EQ(cases.text(i, row.text), "Chinstrap") << row.place;
+      EXPECT_EQ(cases.number(i, row.other), 100 + static_cast<double>(i)) << row.place;
+    }
+    cases.eraseVariable(row.place);
+    cases.eraseVariable(row.place);
+    EXPECT_TRUE(cases == numberTextNumber()) << row.place;
+  }
+}
+
+TEST(CaseStore, AVariableMovesBothWays) {
+  CaseStore cases = numberTextNumber();
+  cases.moveVariable(0, 2);
+  EXPECT_EQ(cases.text(1, 0), "Chinstrap");
+  EXPECT_EQ(cases.number(1, 1), 101.0);
+  EXPECT_EQ(cases.number(1, 2), 1.0);
+  EXPECT_EQ(cases.firstUnit(1), 2U);
+  cases.moveVariable(2, 0);
+  EXPECT_TRUE(cases == numberTextNumber());
+  cases.moveVariable(1, 1);
+  EXPECT_TRUE(cases == numberTextNumber());
+}
+
+TEST(CaseStore, WithTheLastVariableTheCasesGo) {
+  CaseStore cases({9});
+  cases.appendCase();
+  cases.eraseVariable(0);
+  EXPECT_EQ(cases.caseCount(), 0U);
+  EXPECT_EQ(cases.caseBytes(), 0U);
+  cases.insertVariables(0, {0});
+  EXPECT_EQ(cases.caseCount(), 0U);
+  cases.appendCase();
+  EXPECT_EQ(cases.caseCount(), 1U);
+}
+
+TEST(CaseStore, MoreCasesOrVariablesTakeAtMost4GiBToo) {
+  CaseStore cases({32760});
+  cases.appendCase();
+  EXPECT_TRUE(cases.mayAdd(131103)) << "131104 cases of 32760 bytes";
+  EXPECT_FALSE(cases.mayAdd(131104));
+  EXPECT_FALSE(cases.mayAdd(~std::uint64_t{0}));
+  EXPECT_TRUE(cases.mayInsertVariables(std::vector<int>(131103, 32760)));
+  EXPECT_FALSE(cases.mayInsertVariables(std::vector<int>(131104, 32760)));
+}
+
 TEST(CaseStore, WithoutVariablesThereAreNoCases) { EXPECT_EQ(CaseStore().caseCount(), 0U); }
 
 }  // namespace

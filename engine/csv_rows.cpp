@@ -100,11 +100,32 @@ class CsvWalk {
   std::exception_ptr failure_;
 };
 
+// Some readers drop blanks around a value, and a byte order mark at the start of a file is none of its first value's.
+bool needsQuotes(std::string_view value) {
+  if (value.empty()) return false;
+  const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+  return value.find_first_of("\",\r\n") != std::string_view::npos || isBlank(value.front()) || isBlank(value.back()) ||
+         value.starts_with("\xEF\xBB\xBF");
+}
+
 }  // namespace
 
 void forEachCsvRow(const std::string& file, std::string_view text, char delimiter,
                    const std::function<void(const CsvRow&)>& visit) {
   CsvWalk(file, visit).run(text, delimiter);
+}
+
+void appendCsvValue(std::string_view value, std::string* line) {
+  if (!needsQuotes(value)) {
+    line->append(value);
+    return;
+  }
+  line->push_back('"');
+  for (const char c : value) {
+    if (c == '"') line->push_back('"');
+    line->push_back(c);
+  }
+  line->push_back('"');
 }
 
 }  // namespace kova::engine

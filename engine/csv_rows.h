@@ -23,6 +23,9 @@ struct CsvRow {
 void forEachCsvRow(const std::string& file, std::string_view text, char delimiter,
                    const std::function<void(const CsvRow&)>& visit);
 
+// Adds a value to a line as the walk above reads it, in quotes where it would be read otherwise, by this or by others.
+void appendCsvValue(std::string_view value, std::string* line);
+
 }  // namespace kova::engine
 
 #endif

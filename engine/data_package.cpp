@@ -32,6 +32,7 @@ class TableReader {
     dataSet.responseSets = std::move(resource_.own.responseSets);
     dataSet.weight = std::move(resource_.own.weight);
     dataSet.split = std::move(resource_.own.split);
+    dataSet.filter = std::move(resource_.own.filter);
     dataSet.cases = makeStore();
     walk([&](const CsvRow& row) { storeRow(row, &dataSet.cases); });
     for (Field& field : resource_.fields) dataSet.variables.push_back(std::move(field.variable));
@@ -75,6 +76,16 @@ class TableReader {
     }
   }
 
+  // A string field's text.
+  std::string_view textOf(const CsvRow& row, std::size_t index) {
+    const std::string& text = row.values[index];
+    if (!resource_.fields[index].hasEscapes || text.find('%') == std::string::npos) return text;
+    auto bytes = withoutEscapes(text);
+    if (!bytes) fail(row.row, index, "% and two hexadecimal digits for each byte", quotedText(text));
+    unescaped_ = std::move(*bytes);
+    return unescaped_;
+  }
+
   void measureRow(const CsvRow& row) {
     ++caseCount_;
     checkCount(row);
@@ -82,11 +93,10 @@ class TableReader {
     for (std::size_t i = 0; i < row.values.size(); ++i) {
       Field& field = resource_.fields[i];
       if (!field.isText() || field.meansNoValue(row.values[i])) continue;
-      const auto size = std::min<std::size_t>(row.values[i].size(), kWidestString + 1);
+      const std::size_t bytes = textOf(row, i).size();
+      const auto size = std::min<std::size_t>(bytes, kWidestString + 1);
       const auto widest = static_cast<std::size_t>(field.widthFromData ? kWidestString : field.variable.width);
-      if (size > widest) {
-        fail(row.row, i, "at most " + std::to_string(widest) + " bytes", std::to_string(row.values[i].size()));
-      }
+      if (size > widest) fail(row.row, i, "at most " + std::to_string(widest) + " bytes", std::to_string(bytes));
       if (field.widthFromData) field.variable.width = std::max(field.variable.width, static_cast<int>(size));
     }
   }
@@ -123,7 +133,7 @@ class TableReader {
     variable->width = std::max(variable->width, static_cast<int>(text.size()));
   }
 
-  void storeRow(const CsvRow& row, CaseStore* cases) const {
+  void storeRow(const CsvRow& row, CaseStore* cases) {
     const std::size_t position = cases->caseCount();
     cases->appendCase();
     for (std::size_t i = 0; i < row.values.size(); ++i) {
@@ -131,7 +141,7 @@ class TableReader {
       const std::string& text = row.values[i];
       if (field.meansNoValue(text)) continue;
       if (field.isText()) {
-        cases->setText(position, i, text);
+        cases->setText(position, i, textOf(row, i));
       } else if (const auto number = numberOf(field, text)) {
         cases->setNumber(position, i, *number);
       } else {
@@ -148,6 +158,7 @@ class TableReader {
 
   Resource resource_;
   std::string text_;
+  std::string unescaped_;  // The bytes of the last text that had escapes.
   bool hasHeading_ = false;
   std::size_t caseCount_ = 0;
 };
@@ -163,7 +174,15 @@ std::string descriptorOf(const std::string& path) {
 
 bool readDataPackage(const std::string& path, DataSet* dataSet, std::string* problem) noexcept {
   try {
-    const std::string descriptor = descriptorOf(path);
+    return readDescriptor(descriptorOf(path), dataSet, problem);
+  } catch (const std::exception&) {
+    problem->assign("no memory");  // Short enough to need none.
+  }
+  return false;
+}
+
+bool readDescriptor(const std::string& descriptor, DataSet* dataSet, std::string* problem) noexcept {
+  try {
     DataSet read = TableReader(readResource(descriptor)).read();
     read.source = descriptor;
     *dataSet = std::move(read);

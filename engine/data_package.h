@@ -12,6 +12,9 @@ namespace kova::engine {
 // wrong, where and what was expected, and *dataSet is untouched. Never throws.
 bool readDataPackage(const std::string& path, DataSet* dataSet, std::string* problem) noexcept;
 
+// The same of a path that names a descriptor, whatever its end.
+bool readDescriptor(const std::string& descriptor, DataSet* dataSet, std::string* problem) noexcept;
+
 }  // namespace kova::engine
 
 #endif

@@ -133,7 +133,8 @@ TEST(DescriptorProblems, OfFields) {
       {"another date format", R"({"name": "a", "type": "date", "format": ^"%d.%m.%Y"})",
        " (resources/0/schema/fields/0/format): expected \"default\", found \"%d.%m.%Y\""},
       {"an unknown measure", R"({"name": "a", "x-kova": {"measure": ^"ratio"}})",
-       " (resources/0/schema/fields/0/x-kova/measure): expected one of nominal, ordinal, scale, found \"ratio\""},
+       " (resources/0/schema/fields/0/x-kova/measure): expected one of unknown, nominal, ordinal, scale, found "
+       "\"ratio\""},
       {"an unknown role", R"({"name": "a", "x-kova": {"role": ^1}})",
        " (resources/0/schema/fields/0/x-kova/role): expected a text, found 1"},
       {"a width of nothing", R"({"name": "a", "x-kova": {"width": ^0}})",
@@ -150,7 +151,7 @@ TEST(DescriptorProblems, OfFields) {
        " (resources/0/schema/fields/0/x-kova/format): expected a format of numbers, as F8.2, found \"fine\""},
       {"an unknown key", R"({"name": "a", "x-kova": {"roll": ^"input"}})",
        " (resources/0/schema/fields/0/x-kova/roll): expected no keys but measure, role, width, format, "
-       "alignment, columnWidth, attributes, found \"input\""},
+       "alignment, columnWidth, attributes, labels, missing, notANumber, escapes, found \"input\""},
       {"an unknown alignment", R"({"name": "a", "x-kova": {"alignment": ^"middle"}})",
        " (resources/0/schema/fields/0/x-kova/alignment): expected one of left, right, center, found \"middle\""},
       {"a column width of 0", R"({"name": "a", "x-kova": {"columnWidth": ^0}})",
@@ -159,8 +160,54 @@ TEST(DescriptorProblems, OfFields) {
        " (resources/0/schema/fields/0/x-kova/columnWidth): expected a column width of 1 to 255, found 256"},
       {"a column width that is a text", R"({"name": "a", "x-kova": {"columnWidth": ^"8"}})",
        " (resources/0/schema/fields/0/x-kova/columnWidth): expected a column width of 1 to 255, found \"8\""},
-      {"attributes that are no object", R"({"name": "a", "x-kova": {"attributes": ^["unit"]}})",
-       " (resources/0/schema/fields/0/x-kova/attributes): expected an object, found a list"},
+      {"attributes that are no object", R"({"name": "a", "x-kova": {"attributes": ^"unit"}})",
+       " (resources/0/schema/fields/0/x-kova/attributes): expected an object, found \"unit\""},
+      {"a list of attributes that are no objects", R"({"name": "a", "x-kova": {"attributes": [^"unit"]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/0): expected an object, found \"unit\""},
+      {"an attribute of a list with another key",
+       R"({"name": "a", "x-kova": {"attributes": [{"name": "unit", "value": ^"m"}]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/0/value): expected no keys but name, values, found \"m\""},
+      {"an attribute of a list without values", R"({"name": "a", "x-kova": {"attributes": [^{"name": "unit"}]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/0): expected a name and values, found an object"},
+      {"an attribute of a list without a name", R"({"name": "a", "x-kova": {"attributes": [^{"values": "m"}]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/0/name): expected a text, found nothing"},
+      {"an attribute twice in a list",
+       R"({"name": "a", "x-kova": {"attributes": [{"name": "u", "values": "m"}, {"name": ^"U", "values": "m"}]}})",
+       " (resources/0/schema/fields/0/x-kova/attributes/1/name): expected a name that no other attribute has, found "
+       "\"U\""},
+      {"missing values that are no object", R"({"name": "a", "x-kova": {"missing": ^[1]}})",
+       " (resources/0/schema/fields/0/x-kova/missing): expected an object, found a list"},
+      {"missing values with another key", R"({"name": "a", "x-kova": {"missing": {"value": ^1}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/value): expected no keys but range, values, found 1"},
+      {"a range of texts", R"({"name": "a", "x-kova": {"missing": {"range": ^["a", "b"]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/range): expected no range, which only a field of numbers has, "
+       "found a list"},
+      {"a range of one number", R"({"name": "a", "type": "number", "x-kova": {"missing": {"range": ^[1]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/range): expected a list of two numbers, found a list"},
+      {"a range that is reversed", R"({"name": "a", "type": "number", "x-kova": {"missing": {"range": ^[2, 1]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/range): expected the lower end first, found a list"},
+      {"a range that ends in a text", R"({"name": "a", "type": "number", "x-kova": {"missing": {"range": [1, ^"2"]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/range/1): expected a number, found \"2\""},
+      {"a range and two values",
+       R"({"name": "a", "type": "number", "x-kova": {"missing": {"range": [1, 2], "values": ^[3, 4]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/values): expected at most one value, found a list"},
+      {"four own missing values",
+       R"({"name": "a", "type": "number", "x-kova": {"missing": {"values": ^[1, 2, 3, 4]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/values): expected at most three values, found a list"},
+      {"a missing value that is system-missing",
+       R"({"name": "a", "type": "number", "x-kova": {"missing": {"values": [^-1.7976931348623157e308]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/values/0): expected a number, found -1.7976931348623157e+308"},
+      {"a missing text that is too long", R"({"name": "a", "x-kova": {"width": 2, "missing": {"values": [^"abc"]}}})",
+       " (resources/0/schema/fields/0/x-kova/missing/values/0): expected a text of at most 8 bytes that is no longer "
+       "than the field's width, found \"abc\""},
+      {"own labels that are no list", R"({"name": "a", "x-kova": {"labels": ^{}}})",
+       " (resources/0/schema/fields/0/x-kova/labels): expected a list, found an object"},
+      {"not-a-numbers of a text", R"({"name": "a", "x-kova": {"notANumber": ^true}})",
+       " (resources/0/schema/fields/0/x-kova/notANumber): expected no key that only a number field has, found true"},
+      {"not-a-numbers that are no truth", R"({"name": "a", "type": "number", "x-kova": {"notANumber": ^1}})",
+       " (resources/0/schema/fields/0/x-kova/notANumber): expected true or false, found 1"},
+      {"escapes of a number", R"({"name": "a", "type": "number", "x-kova": {"escapes": ^true}})",
+       " (resources/0/schema/fields/0/x-kova/escapes): expected no key that only a string field has, found true"},
       {"an attribute that is a number", R"({"name": "a", "x-kova": {"attributes": {"unit": ^5}}})",
        " (resources/0/schema/fields/0/x-kova/attributes/unit): expected a text, found 5"},
       {"an attribute with a number among its texts", R"({"name": "a", "x-kova": {"attributes": {"unit": ["m", ^5]}}})",
@@ -210,7 +257,7 @@ TEST(DescriptorProblems, OfFields) {
        " (resources/0/schema/fields/0/trueValues/0): expected a text that is not both true and false, found \"0\""},
       {"a key of several lines", R"({"name": "a", "x-kova": {"\n\u001b[2J": ^1}})",
        " (resources/0/schema/fields/0/x-kova/??[2J): expected no keys but measure, role, width, format, alignment, "
-       "columnWidth, attributes, found 1"},
+       "columnWidth, attributes, labels, missing, notANumber, escapes, found 1"},
       {"no words for true", R"({"name": "a", "type": "boolean", "trueValues": ^[]})",
        " (resources/0/schema/fields/0/trueValues): expected at least one text, found a list"},
   };
@@ -228,13 +275,15 @@ TEST(DescriptorProblems, OfOwnKeysOfTheResource) {
   const MarkedRow rows[] = {
       {"no object", "^[]", ": expected an object, found a list"},
       {"an unknown key", R"({"wieght": ^"n"})",
-       "/wieght): expected no keys but attributes, responseSets, weight, split, found \"n\""},
+       "/wieght): expected no keys but attributes, responseSets, weight, split, filter, found \"n\""},
       {"attributes that are no object", R"({"attributes": ^"x"})", "/attributes): expected an object, found \"x\""},
       {"an attribute that is true", R"({"attributes": {"a": ^true}})", "/attributes/a): expected a text, found true"},
       {"a weight that is no field", R"({"weight": ^"w"})", "/weight): expected the name of a field, found \"w\""},
       {"a weight that is a string", R"({"weight": ^"s"})",
        "/weight): expected the name of a field of numbers, found \"s\""},
       {"a weight that is a list", R"({"weight": ^["n"]})", "/weight): expected a text, found a list"},
+      {"a filter that is a string", R"({"filter": ^"s"})",
+       "/filter): expected the name of a field of numbers, found \"s\""},
       {"a split that is no list", R"({"split": ^"n"})", "/split): expected a list, found \"n\""},
       {"a split by no field", R"({"split": ["n", ^"w"]})", "/split/1): expected the name of a field, found \"w\""},
       {"a split twice by one field", R"({"split": ["n", "s", ^"N"]})",
@@ -289,7 +338,7 @@ TEST(DescriptorProblems, OfOwnKeysOfThePackage) {
       {"a weight that is no number", "", " (x-kova/weight): expected the name of a field of numbers, found \"n\""},
       "{" + resources + R"(, "x-kova": {"weight": ^"n"}})");
   expectProblem({"an unknown key", "",
-                 " (x-kova/split_by): expected no keys but attributes, responseSets, weight, split, "
+                 " (x-kova/split_by): expected no keys but attributes, responseSets, weight, split, filter, "
                  "found a list"},
                 "{" + resources + R"(, "x-kova": {"split_by": ^[]}})");
 }
@@ -315,7 +364,7 @@ TEST(DescriptorProblems, CountRowsAndColumnsThroughNestedValues) {
 
 TEST(TableProblems, HaveTheirRowAndColumn) {
   const std::string descriptor = withFields(
-      R"({"name": "id", "type": "integer"}, {"name": "when", "type": "date"}, {"name": "s", "x-kova": {"width": 3}},
+      R"({"name": "id", "type": "integer"}, {"name": "when", "type": "date"}, {"name": "s", "x-kova": {"width": 3, "escapes": true}},
          {"name": "b", "type": "boolean", "missingValues": []})");
   const Row rows[] = {
       {"empty", "", "t.csv, row 1, column 1 (id): expected \"id\" as heading, found nothing"},
@@ -342,6 +391,10 @@ TEST(TableProblems, HaveTheirRowAndColumn) {
        "t.csv, row 3, column 3 (s): expected text in UTF-8, found a byte that is not"},
       {"another encoding and carriage returns", "id,when,s,b\r1,,x,true\r\xE9,,,true\r",
        "t.csv, row 3, column 1 (id): expected text in UTF-8, found a byte that is not"},
+      {"an escape that is none", "id,when,s,b\n1,,%4x,true\n",
+       "t.csv, row 2, column 3 (s): expected % and two hexadecimal digits for each byte, found \"%4x\""},
+      {"an escape that is cut", "id,when,s,b\n1,,a%4,true\n",
+       "t.csv, row 2, column 3 (s): expected % and two hexadecimal digits for each byte, found \"a%4\""},
       {"another encoding in the heading", "id,when,\xE9,b\n",
        "t.csv, row 1, column 3 (s): expected text in UTF-8, found a byte that is not"},
   };

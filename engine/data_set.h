@@ -21,6 +21,9 @@ struct DataSet {
   std::vector<ResponseSet> responseSets;  // No two of the same name.
   std::string weight;                     // The name of the variable that says how often a case counts, or empty.
   std::vector<std::string> split;         // The names of the variables whose values divide the cases into groups.
+  std::string filter;                     // The name of the numeric variable that selects cases, or empty for all.
+  bool isCreated = false;                 // A program created it.
+  int cacheFlag = 0;                      // What a program last asked for; the cases are in memory anyway.
 
   bool operator==(const DataSet&) const = default;
 };

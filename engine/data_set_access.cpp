@@ -1,5 +1,7 @@
 #include "engine/data_set_access.h"
 
+#include <algorithm>
+
 namespace kova::engine {
 namespace {
 
@@ -32,6 +34,23 @@ ErrorCode findNamed(const EngineState& state, std::string_view name, DataSet** d
     return ErrorCode::kNone;
   }
   return ErrorCode::kNoSuchDataSet;
+}
+
+bool isBeingRead(const EngineState& state, const DataSet& dataSet) {
+  return std::any_of(state.passes.begin(), state.passes.end(),
+                     [&dataSet](const auto& entry) { return &entry.second.cursor.dataSet() == &dataSet; });
+}
+
+void touch(EngineState* state, DataSet* dataSet) {
+  const auto step = state->steps.find(state->conversation);
+  if (step == state->steps.end()) return;
+  std::vector<DataSet*>& touched = step->second.touched;
+  if (std::find(touched.begin(), touched.end(), dataSet) == touched.end()) touched.push_back(dataSet);
+}
+
+void reserveTouch(EngineState* state) {
+  const auto step = state->steps.find(state->conversation);
+  if (step != state->steps.end()) step->second.touched.reserve(step->second.touched.size() + 1);
 }
 
 ErrorCode checkAllTexts(const CleXDSmb& request) {

@@ -20,6 +20,15 @@ ErrorCode findActive(const EngineState& state, DataSet** dataSet);
 ErrorCode findOfProcedure(const EngineState& state, DataSet** dataSet);
 ErrorCode findNamed(const EngineState& state, std::string_view name, DataSet** dataSet);
 
+// True while a pass over its cases goes on. It must then stay open, with all cases and variables in their places.
+bool isBeingRead(const EngineState& state, const DataSet& dataSet);
+
+// Remembers that the present conversation's data step, if it has one, reads or changes the data set.
+void touch(EngineState* state, DataSet* dataSet);
+
+// So that touch can not fail once the change has been made.
+void reserveTouch(EngineState* state);
+
 // kNone when every text of the request is UTF-8 without NUL bytes.
 ErrorCode checkAllTexts(const CleXDSmb& request);
 

@@ -12,11 +12,6 @@ ErrorCode variableCount(const DataSet& dataSet, const RequestItems& /*items*/, C
   return ErrorCode::kNone;
 }
 
-ErrorCode rowCount(const DataSet& dataSet, const RequestItems& /*items*/, CleXDSmb& reply) {
-  reply.SetLong(static_cast<int>(dataSet.cases.caseCount()));
-  return ErrorCode::kNone;
-}
-
 // Empty when every case counts once.
 ErrorCode weight(const DataSet& dataSet, const RequestItems& /*items*/, CleXDSmb& reply) {
   reply.SetString(dataSet.weight);
@@ -101,7 +96,6 @@ constexpr HandlerRow kRows[] = {
     {Command::GetVariableCount, askDataSet<OfActive, variableCount>},
     {Command::GetVariableCountInProcDS, askDataSet<OfProcedure, variableCount>},
     {Command::GetVarCountInDS, askDataSet<OfNamed, variableCount>},
-    {Command::GetRowCount, askDataSet<OfActive, rowCount>},
     {Command::GetWeightVar, askDataSet<OfActive, weight>},
     {Command::GetVariableName, askVariable<OfActive, name>},
     {Command::GetVariableNameInProcDS, askVariable<OfProcedure, name>},

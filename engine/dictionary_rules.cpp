@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace kova::engine {
@@ -51,7 +53,8 @@ Variable withKind(Variable variable, int type) {
   return variable;
 }
 
-// The weight is a number; the variables of a response set are of one kind, and its counted value fits them all.
+// The weight and the filter are numbers; the variables of a response set are of one kind, and its counted value fits
+// them all.
 bool isBound(const DataSet& dataSet, const Variable& variable, int type) {
   const bool changesKind = variable.isNumeric() || type == 0;
   const auto isVariable = [&variable](const std::string& name) { return sameName(name, variable.name); };
@@ -59,7 +62,8 @@ bool isBound(const DataSet& dataSet, const Variable& variable, int type) {
     return (changesKind || set.countedValue.size() > static_cast<std::size_t>(type)) &&
            std::any_of(set.variables.begin(), set.variables.end(), isVariable);
   };
-  return isVariable(dataSet.weight) || std::any_of(dataSet.responseSets.begin(), dataSet.responseSets.end(), forbids);
+  return isVariable(dataSet.weight) || isVariable(dataSet.filter) ||
+         std::any_of(dataSet.responseSets.begin(), dataSet.responseSets.end(), forbids);
 }
 
 }  // namespace
@@ -135,6 +139,54 @@ ErrorCode changeType(DataSet* dataSet, std::size_t position, int type) {
   return ErrorCode::kNone;
 }
 
+ErrorCode checkNewVariables(const DataSet& dataSet, const std::vector<NewVariable>& variables) {
+  std::unordered_set<std::string_view, NameHash, NameEqual> names;
+  for (const NewVariable& variable : variables) {
+    const ErrorCode code = checkVariableName(variable.name);
+    if (code != ErrorCode::kNone) return code;
+    if (variable.type < 0 || variable.type > kWidestString) return ErrorCode::kTypeOutOfRange;
+    if (dataSet.variables.find(variable.name) || !names.insert(variable.name).second) return ErrorCode::kNameTaken;
+  }
+  return ErrorCode::kNone;
+}
+
+ErrorCode insertVariables(DataSet* dataSet, std::size_t position, const std::vector<NewVariable>& variables) {
+  const ErrorCode code = checkNewVariables(*dataSet, variables);
+  if (code != ErrorCode::kNone) return code;
+  std::vector<Variable> made;
+  std::vector<int> widths;
+  for (const NewVariable& one : variables) {
+    Variable variable;
+    variable.name = one.name;
+    made.push_back(one.type == 0 ? std::move(variable) : withKind(std::move(variable), one.type));
+    widths.push_back(one.type);
+  }
+  if (!dataSet->cases.mayInsertVariables(widths)) return ErrorCode::kOutOfMemory;
+  dataSet->variables.insert(position, std::move(made));
+  try {
+    dataSet->cases.insertVariables(position, widths);
+  } catch (...) {
+    for (std::size_t i = 0; i < widths.size(); ++i) dataSet->variables.erase(position);
+    throw;
+  }
+  return ErrorCode::kNone;
+}
+
+// What may fail comes first.
+void deleteVariable(DataSet* dataSet, std::size_t position) {
+  const std::string name = dataSet->variables[position].name;
+  dataSet->cases.eraseVariable(position);
+  dataSet->variables.erase(position);
+  const auto isDeleted = [&name](const std::string& other) { return sameName(other, name); };
+  if (isDeleted(dataSet->weight)) dataSet->weight.clear();
+  if (isDeleted(dataSet->filter)) dataSet->filter.clear();
+  std::erase_if(dataSet->split, isDeleted);
+  std::erase_if(dataSet->responseSets, [&](ResponseSet& set) {
+    std::erase_if(set.variables, isDeleted);
+    return set.variables.size() < kFewestOfSet;
+  });
+}
+
 ErrorCode renameVariable(DataSet* dataSet, std::size_t position, const std::string& name) {
   const ErrorCode code = checkVariableName(name);
   if (code != ErrorCode::kNone) return code;
@@ -142,16 +194,19 @@ ErrorCode renameVariable(DataSet* dataSet, std::size_t position, const std::stri
   const std::string old = dataSet->variables[position].name;
   DataSet renamed;
   renamed.weight = dataSet->weight;
+  renamed.filter = dataSet->filter;
   renamed.split = dataSet->split;
   renamed.responseSets = dataSet->responseSets;
   const auto follow = [&](std::string& other) {
     if (sameName(other, old)) other = name;
   };
   follow(renamed.weight);
+  follow(renamed.filter);
   for (std::string& variable : renamed.split) follow(variable);
   for (ResponseSet& set : renamed.responseSets) std::for_each(set.variables.begin(), set.variables.end(), follow);
   dataSet->variables.rename(position, name);
   dataSet->weight.swap(renamed.weight);
+  dataSet->filter.swap(renamed.filter);
   dataSet->split.swap(renamed.split);
   dataSet->responseSets.swap(renamed.responseSets);
   return ErrorCode::kNone;

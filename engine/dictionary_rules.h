@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "engine/data_set.h"
 #include "engine/error_codes.h"
@@ -32,6 +33,23 @@ ErrorCode makeMissing(const Variable& variable, int kind, const std::array<std::
 // that no longer fit go. With another kind the cases have no value of it, and format and alignment are those of a new
 // variable. kOutOfMemory when the cases would need more than kMostCasesBytes.
 ErrorCode changeType(DataSet* dataSet, std::size_t position, int type);
+
+// A variable to be made: its type is 0 or a string's width.
+struct NewVariable {
+  std::string name;
+  int type;
+};
+
+// Whether the data set can take them: their names are sound, new and differ, their types are in range.
+ErrorCode checkNewVariables(const DataSet& dataSet, const std::vector<NewVariable>& variables);
+
+// Adds variables in front of the one at a position, which may be their number, all or none. The cases have no values of
+// them. kOutOfMemory when the cases would need more than kMostCasesBytes.
+ErrorCode insertVariables(DataSet* dataSet, std::size_t position, const std::vector<NewVariable>& variables);
+
+// Deletes the variable with its values, and takes it out of wherever the data set names it: without the weight every
+// case counts once, without the filter all are selected, and a response set of fewer than two variables goes.
+void deleteVariable(DataSet* dataSet, std::size_t position);
 
 // Renames it wherever the data set names it.
 ErrorCode renameVariable(DataSet* dataSet, std::size_t position, const std::string& name);

@@ -20,8 +20,17 @@ ErrorCode setLabel(DataSet& dataSet, std::size_t position, const RequestItems& i
   return ErrorCode::kNone;
 }
 
-ErrorCode setType(DataSet& dataSet, std::size_t position, const RequestItems& items) {
-  return changeType(&dataSet, position, items.integer(0));
+// A case cursor hands the values out with the widths that they had when it was made.
+ErrorCode setType(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
+  DataSet* dataSet = nullptr;
+  std::size_t position = 0;
+  ErrorCode code = reachVariable<OfNamed>(state, request, &dataSet, &position);
+  if (code != ErrorCode::kNone) return code;
+  if (isBeingRead(state, *dataSet)) return ErrorCode::kDataSetInUse;
+  reserveTouch(&state);
+  code = changeType(dataSet, position, request.Longs()[1]);
+  if (code == ErrorCode::kNone) touch(&state, dataSet);
+  return code;
 }
 
 ErrorCode setFormat(DataSet& dataSet, std::size_t position, const RequestItems& items) {
@@ -86,7 +95,7 @@ constexpr HandlerRow kRows[] = {
     {Command::SetVarNameInDS, changeAt<setName>},
     {Command::SetVarLabel, changeByName<setLabel>},
     {Command::SetVarLabelInDS, changeAt<setLabel>},
-    {Command::SetVarTypeInDS, changeAt<setType>},
+    {Command::SetVarTypeInDS, setType},
     {Command::SetVarFormat, changeByName<setFormat>},
     {Command::SetVarFormatInDS, changeAt<setFormat>},
     {Command::SetVarMeasureLevel, changeByName<setMeasure>},

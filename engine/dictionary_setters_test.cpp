@@ -45,12 +45,15 @@ TEST_F(DictionaryChanges, ATextThatIsNoneIsRefused) {
 }
 
 TEST_F(DictionaryChanges, ANameChangesWhereverItIsUsed) {
+  main().filter = "two";
+  EXPECT_EQ(tell(Command::SetVarNameInDS, "main", 3, "second"), 0);
+  EXPECT_EQ(main().filter, "second");
   EXPECT_EQ(tell(Command::SetVarNameInDS, "main", 0, "points"), 0);
   EXPECT_EQ(tell(Command::SetVarNameInDS, "main", 1, "Place"), 0);
   EXPECT_EQ(tell(Command::SetVarNameInDS, "main", 2, "\u00E4"), 0);
   EXPECT_EQ(main().weight, "points");
   EXPECT_THAT(main().split, ElementsAre("Place"));
-  EXPECT_THAT(main().responseSets[0].variables, ElementsAre("\u00E4", "two"));
+  EXPECT_THAT(main().responseSets[0].variables, ElementsAre("\u00E4", "second"));
   EXPECT_EQ(tell(Command::SetVarLabel, "POINTS", "new"), 0);
   EXPECT_EQ(variable("points").label, "new");
   expectRefused(ErrorCode::kNoSuchVariable, Command::SetVarLabel, "score", "old");

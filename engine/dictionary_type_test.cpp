@@ -77,6 +77,8 @@ TEST_F(TypeChanges, OtherTypesAreRefused) {
   expectRefused(ErrorCode::kVariableInUse, Command::SetVarTypeInDS, "main", 0, 8);
   expectRefused(ErrorCode::kVariableInUse, Command::SetVarTypeInDS, "main", 2, 8);
   EXPECT_EQ(tell(Command::DelMultiResponseSetInDS, "main", "$both"), 0);
+  main().filter = "two";
+  expectRefused(ErrorCode::kVariableInUse, Command::SetVarTypeInDS, "main", 3, 8);
   EXPECT_EQ(tell(Command::SetVarTypeInDS, "main", 2, 32767), 0);
 }
 

@@ -6,15 +6,21 @@
 #include <string_view>
 
 #include "engine/attribute_handlers.h"
+#include "engine/cell_handlers.h"
 #include "engine/control_handlers.h"
+#include "engine/cursor_handlers.h"
+#include "engine/data_set_handlers.h"
+#include "engine/data_step_handlers.h"
 #include "engine/dictionary_handlers.h"
 #include "engine/dictionary_setters.h"
 #include "engine/label_handlers.h"
+#include "engine/new_variable_handlers.h"
 #include "engine/output_handlers.h"
 #include "engine/pivot_handlers.h"
 #include "engine/response_set_handlers.h"
 #include "engine/session_handlers.h"
 #include "engine/split_handlers.h"
+#include "engine/temp_file_handlers.h"
 #include "engine/xpath_handlers.h"
 
 namespace kova::engine {
@@ -29,6 +35,21 @@ struct Entry {
 
 using Table = std::array<Entry, kCodeLimit>;
 
+// Commands whose items of some kinds may be any number, none included: the values of a case, a block of cases.
+struct Looser {
+  Command command;
+  const char* requestItems;
+};
+constexpr Looser kLooser[] = {
+    {Command::CommitCaseRecord, "SSll"}, {Command::CommitNewCase, "SS"},  {Command::CommitManyCases, "sllL"},
+    {Command::CommitDataSet, ""},        {Command::SetCaseValue, "sllb"},
+};
+
+// The codes with which a reply keeps its items: they tell of an end.
+bool keepsItems(ErrorCode code) {
+  return code == ErrorCode::kNone || code == ErrorCode::kEndOfCases || code == ErrorCode::kEndOfSplitGroup;
+}
+
 // Two commands share a code; the first row's items stand for both.
 Table makeTable() {
   Table table;
@@ -39,9 +60,11 @@ Table makeTable() {
 #define KOVA_COMMAND(code, name, request, reply) assign(code, request);
 #include "message/commands.def"
 #undef KOVA_COMMAND
+  for (const Looser& row : kLooser) table.at(static_cast<std::size_t>(row.command)).requestItems = row.requestItems;
   for (const auto rows : {controlHandlers(), dictionaryHandlers(), dictionarySetters(), labelHandlers(),
-                          attributeHandlers(), responseSetHandlers(), sessionHandlers(), splitHandlers(),
-                          outputHandlers(), pivotHandlers(), xpathHandlers()}) {
+                          cursorHandlers(), attributeHandlers(), responseSetHandlers(), sessionHandlers(),
+                          splitHandlers(), outputHandlers(), pivotHandlers(), cellHandlers(), dataSetHandlers(),
+                          dataStepHandlers(), xpathHandlers(), newVariableHandlers(), tempFileHandlers()}) {
     for (const HandlerRow& row : rows) table.at(static_cast<std::size_t>(row.command)).handler = row.handler;
   }
   return table;
@@ -72,7 +95,7 @@ ErrorCode performGuarded(EngineState& state, const CleXDSmb& request, CleXDSmb& 
 
 void dispatch(EngineState& state, const CleXDSmb& request, CleXDSmb& reply) noexcept {
   const ErrorCode code = performGuarded(state, request, reply);
-  if (code != ErrorCode::kNone) reply.CleanUpAllData();
+  if (!keepsItems(code)) reply.CleanUpAllData();
   reply.SetCommandAction(request.GetCommandAction());
   reply.SetErrorCode(static_cast<int>(code));
 }

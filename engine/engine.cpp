@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "engine/data_package_writer.h"
 #include "engine/dispatcher.h"
 #include "engine/report_html.h"
 #include "engine/report_text.h"
@@ -15,9 +16,16 @@ void Engine::open(DataSet dataSet) {
   state_.active = state_.dataSets.back().get();
 }
 
-void Engine::perform(const CleXDSmb& request, CleXDSmb& reply) noexcept {
+void Engine::perform(const CleXDSmb& request, CleXDSmb& reply, int conversation) noexcept {
   const std::lock_guard lock(mutex_);
+  state_.conversation = conversation;
   dispatch(state_, request, reply);
+}
+
+void Engine::leave(int conversation) noexcept {
+  const std::lock_guard lock(mutex_);
+  state_.passes.erase(conversation);
+  state_.steps.erase(conversation);
 }
 
 void Engine::onOutput(std::function<void(const std::string& text)> show) {
@@ -35,6 +43,14 @@ void Engine::endOutput() {
 std::string Engine::htmlOutput() const {
   const std::lock_guard lock(mutex_);
   return htmlReport(state_.output.log.sections());
+}
+
+ErrorCode Engine::saveActive(const std::string& descriptor, std::string* problem) const {
+  const std::lock_guard lock(mutex_);
+  FileSystem files;
+  if (state_.active != nullptr) return writeDataPackage(*state_.active, {}, descriptor, files, problem);
+  *problem = "no data set is active";
+  return ErrorCode::kNoActiveDataSet;
 }
 
 std::vector<std::string> Engine::submittedSyntax() const {

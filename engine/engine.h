@@ -12,6 +12,7 @@
 
 #include "engine/data_set.h"
 #include "engine/engine_state.h"
+#include "engine/error_codes.h"
 #include "message/CleXDSmb.h"
 
 namespace kova::engine {
@@ -21,8 +22,12 @@ class Engine {
   // Takes a data set in and makes it the active one.
   void open(DataSet dataSet);
 
-  // Carries out one request; see dispatch.
-  void perform(const CleXDSmb& request, CleXDSmb& reply) noexcept;
+  // Carries out one request; see dispatch. A case cursor and a data step belong to the conversation
+  // that made it.
+  void perform(const CleXDSmb& request, CleXDSmb& reply, int conversation = 0) noexcept;
+
+  // The program of a conversation has gone: its case cursor goes too, and its data step ends.
+  void leave(int conversation = 0) noexcept;
 
   // Hands over each piece of output once it is finished, as text in lines of the engine's output width. Called in the
   // thread that carries out the request, before that is answered; must not call the engine. To be set first.
@@ -33,6 +38,9 @@ class Engine {
 
   // All finished output as an HTML page.
   std::string htmlOutput() const;
+
+  // Writes the active data set as a Data Package; see writeDataPackage. kNoActiveDataSet when there is none.
+  ErrorCode saveActive(const std::string& descriptor, std::string* problem) const;
 
   // Every text that was submitted, oldest first.
   std::vector<std::string> submittedSyntax() const;

@@ -3,11 +3,16 @@
 #ifndef KOVADX_ENGINE_ENGINE_STATE_H
 #define KOVADX_ENGINE_ENGINE_STATE_H
 
+#include <cstddef>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/data_pass.h"
 #include "engine/data_set.h"
+#include "engine/data_step.h"
 #include "engine/output_state.h"
 #include "engine/session.h"
 
@@ -15,8 +20,12 @@ namespace kova::engine {
 
 struct EngineState {
   std::vector<std::unique_ptr<DataSet>> dataSets;
-  DataSet* active = nullptr;       // One of dataSets, or none.
-  DataSet* ofProcedure = nullptr;  // The running procedure's, when it is another than the active one.
+  DataSet* active = nullptr;                 // One of dataSets, or none.
+  DataSet* ofProcedure = nullptr;            // The running procedure's, when it is another than the active one.
+  int conversation = 0;                      // The one that asks at present.
+  std::map<int, DataPass> passes;            // The open passes over cases, by conversation.
+  std::map<int, DataStep> steps;             // The running data steps, by conversation.
+  std::optional<std::size_t> tempFileCases;  // Of the data file that was saved or read last.
   std::vector<std::string> submittedSyntax;
   Session session;
   OutputState output;

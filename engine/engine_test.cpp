@@ -165,7 +165,6 @@ TEST_F(EngineTest, TellsUnknownFromUnansweredCommands) {
     EXPECT_EQ(ask(static_cast<Command>(code)).GetErrorCode(), 98001) << code;
   }
   EXPECT_EQ(ask(Command::StopKova).GetErrorCode(), 98002);
-  EXPECT_EQ(ask(Command::GetSelectedRowCountInProcDS).GetErrorCode(), 98002);
 }
 
 TEST(EngineWithoutData, SaysSo) {

@@ -1,10 +1,12 @@
 #include "engine/field.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "engine/case_store.h"
 
@@ -33,8 +35,27 @@ bool isTooSmall(std::string_view text) {
   return point - firstDigit + exponent < 0;
 }
 
+// All of the text as a number in hexadecimal digits.
+template <typename Number>
+std::optional<Number> hexadecimalOf(std::string_view text) {
+  Number number = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number, 16);
+  if (error != std::errc() || stop != end) return std::nullopt;
+  return number;
+}
+
+// Between the ways to write one, nothing but the bits tell two not-a-numbers apart.
+std::optional<double> notANumberOf(std::string_view digits) {
+  const auto bits = digits.size() == 16 ? hexadecimalOf<std::uint64_t>(digits) : std::nullopt;
+  if (!bits || !std::isnan(std::bit_cast<double>(*bits))) return std::nullopt;
+  return std::bit_cast<double>(*bits);
+}
+
 std::optional<double> amountOf(std::string_view text) {
   if (text == "NaN") return kSystemMissing;
+  if (text == "INF") return std::numeric_limits<double>::infinity();
+  if (text == "-INF") return -std::numeric_limits<double>::infinity();
   text = withoutPlus(text);
   double value = 0;
   const char* end = text.data() + text.size();
@@ -124,7 +145,9 @@ bool Field::meansNoValue(std::string_view text) const {
 std::optional<double> numberOf(const Field& field, std::string_view text) {
   switch (field.type) {
     case FieldType::kNumber:
-      return amountOf(text);
+      return field.hasNotANumber && text.starts_with(kNotANumberMark)
+                 ? notANumberOf(text.substr(kNotANumberMark.size()))
+                 : amountOf(text);
     case FieldType::kInteger:
       return wholeNumberOf(text);
     case FieldType::kBoolean:
@@ -139,6 +162,22 @@ std::optional<double> numberOf(const Field& field, std::string_view text) {
       break;
   }
   return std::nullopt;
+}
+
+std::optional<std::string> withoutEscapes(std::string_view text) {
+  std::string bytes;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '%') {
+      bytes += text[i];
+      continue;
+    }
+    const std::string_view digits = text.substr(i + 1, 2);
+    const auto byte = digits.size() == 2 ? hexadecimalOf<std::uint8_t>(digits) : std::nullopt;
+    if (!byte) return std::nullopt;
+    bytes += static_cast<char>(*byte);
+    i += 2;
+  }
+  return bytes;
 }
 
 std::string expectationOf(const Field& field) {

@@ -11,6 +11,10 @@ namespace kova::engine {
 // none may have two different labels. Does nothing when the node does not exist. Throws DataProblem.
 void readCategories(const JsonNode& node, Field* field);
 
+// An object with the "range" of missing numbers, a list of its two ends, and the "values" beside it: the user-missing
+// values whole, in place of those that were read before. Does nothing when the node does not exist. Throws DataProblem.
+void readOwnMissing(const JsonNode& node, Field* field);
+
 // A list of texts, or of objects with "value" and "label"; when the node does not exist, the empty text alone. A text
 // that can be a user-missing value (a number, or a text of at most 8 bytes) becomes one, with its label as value label,
 // once for one value; every other one stands for no value. Throws DataProblem.

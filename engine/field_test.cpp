@@ -2,6 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+
 #include "engine/case_store.h"
 
 namespace kova::engine {
@@ -34,7 +39,12 @@ TEST(Field, ReadsNumbers) {
       {FieldType::kNumber, "1 ", std::nullopt},
       {FieldType::kNumber, "+-1", std::nullopt},
       {FieldType::kNumber, "+", std::nullopt},
-      {FieldType::kNumber, "INF", std::nullopt},
+      {FieldType::kNumber, "INF", std::numeric_limits<double>::infinity()},
+      {FieldType::kNumber, "-INF", -std::numeric_limits<double>::infinity()},
+      {FieldType::kNumber, "inf", std::nullopt},
+      {FieldType::kNumber, "infinity", std::nullopt},
+      {FieldType::kNumber, "nan", std::nullopt},
+      {FieldType::kNumber, "NaN:7ff8000000000000", std::nullopt},
       {FieldType::kNumber, "1e999", std::nullopt},
       {FieldType::kNumber, "-1e99999999999999999999", std::nullopt},
       {FieldType::kNumber, "1e-400", 0.0},
@@ -58,6 +68,27 @@ TEST(Field, ReadsNumbers) {
       {FieldType::kBoolean, "True", std::nullopt},
   };
   for (const Row& row : rows) EXPECT_EQ(numberOf(fieldOf(row.type), row.text), row.value) << row.text;
+}
+
+TEST(Field, ReadsNotANumbersByTheirBitsWhereItHasThem) {
+  Field field = fieldOf(FieldType::kNumber);
+  field.hasNotANumber = true;
+  for (const std::uint64_t bits : {0x7FF8000000000000U, 0xFFF8000000000001U, 0x7FF0000000000001U}) {
+    char text[32];
+    std::snprintf(text, sizeof text, "NaN:%016llx", static_cast<unsigned long long>(bits));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(numberOf(field, text).value_or(0)), bits) << text;
+  }
+  EXPECT_EQ(numberOf(field, "NaN"), kSystemMissing);
+  for (const char* text : {"NaN:", "NaN:7ff8", "NaN:7ff0000000000000", "NaN:7ff800000000000g", "NaN:3ff0000000000000",
+                           "NaN:7ff80000000000000"}) {
+    EXPECT_EQ(numberOf(field, text), std::nullopt) << text;
+  }
+}
+
+TEST(Field, EscapesStandForBytes) {
+  EXPECT_EQ(withoutEscapes("a%25%c3%C3 %00"), std::string("a%\xC3\xC3 \0", 6));
+  for (const char* text : {"%", "%4", "%zz", "%4z", "%-1", "a%%"})
+    EXPECT_EQ(withoutEscapes(text), std::nullopt) << text;
 }
 
 TEST(Field, TellsTinyNumbersFromHugeOnesByAllTheirDigits) {

@@ -86,10 +86,17 @@ void setResponseSet(std::vector<ResponseSet>* sets, ResponseSet set) {
   sets->push_back(std::move(set));
 }
 
-std::string readWeight(const JsonNode& node, const Variables& variables) {
+std::string readNumericVariable(const JsonNode& node, const Variables& variables) {
   std::string name = readVariable(node, variables);
   if (!variables[*variables.find(name)].isNumeric()) node.fail("the name of a field of numbers");
   return name;
+}
+
+// What is wrong with the name is told at that place.
+void addAttribute(const std::string& name, const JsonNode& place, const JsonNode& values, Attributes* attributes) {
+  if (checkAttributeName(name) != ErrorCode::kNone) place.fail("a name of letters, digits and . _ $ # @");
+  if (findAttribute(*attributes, name) != nullptr) place.fail("a name that no other attribute has");
+  attributes->push_back({name, readTexts(values)});
 }
 
 }  // namespace
@@ -97,25 +104,30 @@ std::string readWeight(const JsonNode& node, const Variables& variables) {
 Attributes readAttributes(const JsonNode& node) {
   Attributes attributes;
   if (!node.exists()) return attributes;
-  for (const std::string& name : keysOf(node)) {
-    const JsonNode value = node[name];
-    if (checkAttributeName(name) != ErrorCode::kNone) value.fail("a name of letters, digits and . _ $ # @");
-    if (findAttribute(attributes, name) != nullptr) value.fail("a name that no other attribute has");
-    attributes.push_back({name, readTexts(value)});
+  if (!node.value().is_array()) {
+    for (const std::string& name : keysOf(node)) addAttribute(name, node[name], node[name], &attributes);
+    return attributes;
+  }
+  for (const JsonNode& entry : node.elements()) {
+    refuseOtherKeys(entry, {"name", "values"}, "no keys but name, values");
+    const JsonNode values = entry["values"];
+    if (!values.exists()) entry.fail("a name and values");
+    addAttribute(entry["name"].text(), entry["name"], values, &attributes);
   }
   return attributes;
 }
 
 void readOwnKeys(const JsonNode& node, const Variables& variables, OwnKeys* keys) {
   if (!node.exists()) return;
-  refuseOtherKeys(node, {"attributes", "responseSets", "weight", "split"},
-                  "no keys but attributes, responseSets, weight, split");
+  refuseOtherKeys(node, {"attributes", "responseSets", "weight", "split", "filter"},
+                  "no keys but attributes, responseSets, weight, split, filter");
   for (Attribute& attribute : readAttributes(node["attributes"])) setAttribute(&keys->attributes, std::move(attribute));
   if (const JsonNode sets = node["responseSets"]; sets.exists()) {
     for (const JsonNode& set : sets.elements()) setResponseSet(&keys->responseSets, readResponseSet(set, variables));
   }
-  if (const JsonNode weight = node["weight"]; weight.exists()) keys->weight = readWeight(weight, variables);
+  if (const JsonNode weight = node["weight"]; weight.exists()) keys->weight = readNumericVariable(weight, variables);
   if (const JsonNode split = node["split"]; split.exists()) keys->split = readVariables(split, variables);
+  if (const JsonNode filter = node["filter"]; filter.exists()) keys->filter = readNumericVariable(filter, variables);
 }
 
 }  // namespace kova::engine

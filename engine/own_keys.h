@@ -18,9 +18,11 @@ struct OwnKeys {
   std::vector<ResponseSet> responseSets;
   std::string weight;
   std::vector<std::string> split;
+  std::string filter;
 };
 
-// An object whose members are texts or lists of texts. Nothing when the node does not exist. Throws DataProblem.
+// An object whose members are texts or lists of texts, or, where the order of the names counts, a list of objects with
+// "name" and "values". Nothing when the node does not exist. Throws DataProblem.
 Attributes readAttributes(const JsonNode& node);
 
 // Adds what the node says to the keys, or replaces what they have of the same name. The variables are those of the data

@@ -20,6 +20,16 @@ inline void addItem(CleXDSmb* request, int value) { request->SetLong(value); }
 inline void addItem(CleXDSmb* request, double value) { request->SetDouble(value); }
 inline void addItem(CleXDSmb* request, const char* text) { request->SetString(text); }
 inline void addItem(CleXDSmb* request, const std::string& text) { request->SetString(text); }
+inline void addItem(CleXDSmb* request, const dataSet& record) { request->SetStruct(record); }
+
+// A raw block of these bytes.
+struct Bytes {
+  std::string bytes;
+};
+inline void addItem(CleXDSmb* request, const Bytes& block) {
+  request->AllocVoidData(static_cast<int>(block.bytes.size()));
+  request->SaveDataIntoVoidData(block.bytes.data(), static_cast<int>(block.bytes.size()));
+}
 inline void addItem(CleXDSmb* request, const Texts& texts) {
   StringData list;
   for (const std::string& text : texts) list.SetValue(text);
@@ -120,6 +130,13 @@ class RequestTest : public testing::Test {
 
   EngineState state_;
 };
+
+inline std::string blockOf(const CleXDSmb& reply) {
+  int length = 0;
+  const void* const data = reply.GetVoidData(length);
+  return data == nullptr ? std::string()
+                         : std::string(static_cast<const char*>(data), static_cast<std::size_t>(length));
+}
 
 inline Texts textsOf(const CleXDSmb& reply) { return reply.Strings().values(); }
 

@@ -26,7 +26,7 @@ bool fitsAsCountedValue(const ResponseSet& set, const Variable& variable) {
 ErrorCode checkResponseSet(const Variables& variables, const ResponseSet& set) {
   const ErrorCode nameCode = checkResponseSetName(set.name);
   if (nameCode != ErrorCode::kNone) return nameCode;
-  if (set.variables.size() < 2) return ErrorCode::kResponseSetTooSmall;
+  if (set.variables.size() < kFewestOfSet) return ErrorCode::kResponseSetTooSmall;
   std::vector<bool> isTaken(variables.size());
   std::optional<bool> isNumeric;
   for (const std::string& name : set.variables) {

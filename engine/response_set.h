@@ -2,6 +2,7 @@
 #ifndef KOVADX_ENGINE_RESPONSE_SET_H
 #define KOVADX_ENGINE_RESPONSE_SET_H
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,8 @@ enum class ResponseSetKind : int {
   kDichotomies = 1,  // A variable for each possible answer; the counted value says that it was given.
   kCategories = 2,   // A variable for the first answer, one for the second, and so on.
 };
+
+constexpr std::size_t kFewestOfSet = 2;  // Variables of a response set.
 
 struct ResponseSet {
   std::string name;  // With its '$'.

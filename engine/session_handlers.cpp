@@ -103,12 +103,6 @@ ErrorCode transCode(EngineState& /*state*/, const CleXDSmb& request, CleXDSmb& r
   return ErrorCode::kNone;
 }
 
-// This engine keeps no dates or periods of a series, so a data set that is there has none.
-ErrorCode trendsInfo(const DataSet& /*dataSet*/, const RequestItems& /*items*/, CleXDSmb& reply) {
-  reply.SetLong(0);
-  return ErrorCode::kNone;
-}
-
 constexpr int kYes = 1;
 constexpr int kNo = 0;
 constexpr int kNoNesting = 0;  // No run starts another one inside it.
@@ -131,11 +125,9 @@ constexpr HandlerRow kRows[] = {
     {Command::SetZenthorServerMode, changeMode<&Session::serverMode>},
     {Command::IsUTF8mode, tellAlways<kYes>},
     {Command::IsDistributedMode, tellAlways<kNo>},
-    {Command::IsUseOrFilter, tellAlways<kNo>},
     {Command::GetNestDepth, tellAlways<kNoNesting>},
     {Command::GetFileHandles, getFileHandles},
     {Command::TransCode, transCode},
-    {Command::GetTrendsInfoInDS, askDataSet<OfNamed, trendsInfo>},
 };
 
 }  // namespace

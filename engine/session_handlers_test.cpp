@@ -16,13 +16,10 @@ using SessionRequests = RequestTest;
 TEST_F(SessionRequests, TellWhatTheEngineIs) {
   EXPECT_EQ(ask(Command::IsUTF8mode).FirstLong(), 1);
   EXPECT_EQ(ask(Command::IsDistributedMode).FirstLong(), 0);
-  EXPECT_EQ(ask(Command::IsUseOrFilter).FirstLong(), 0);
   EXPECT_EQ(ask(Command::GetNestDepth).FirstLong(), 0);
   EXPECT_EQ(ask(Command::GetKovaOutputWidth).FirstLong(), 80);
   EXPECT_STREQ(ask(Command::GetKOVALocale).FirstString(), "C.UTF-8");
   EXPECT_STREQ(ask(Command::GetCLocale).FirstString(), "C");
-  EXPECT_EQ(ask(Command::GetTrendsInfoInDS, "main").FirstLong(), 0);
-  EXPECT_EQ(tell(Command::GetTrendsInfoInDS, "nowhere"), 98010);
 }
 
 TEST_F(SessionRequests, TellWhetherTheEngineIsDriven) {

@@ -116,21 +116,34 @@ void readColumnWidth(const JsonNode& node, Field* field) {
   field->variable.columnWidth = value.get<int>();
 }
 
-constexpr std::string_view kFieldKeys[] = {"measure",   "role",        "width",     "format",
-                                           "alignment", "columnWidth", "attributes"};
+// A key that may say true, of fields of that type.
+bool readTruth(const JsonNode& node, const Field& field, FieldType type, const char* otherwise) {
+  if (!node.exists()) return false;
+  if (!node.value().is_boolean()) node.fail("true or false");
+  if (field.type != type) node.fail(otherwise);
+  return node.value().get<bool>();
+}
+
+constexpr std::string_view kFieldKeys[] = {"measure",    "role",   "width",   "format",     "alignment", "columnWidth",
+                                           "attributes", "labels", "missing", "notANumber", "escapes"};
 
 void readFieldKeys(const JsonNode& node, Field* field) {
   if (!node.exists()) return;
-  readWord(node["measure"], measureOf, "one of nominal, ordinal, scale", &field->variable.measure);
+  readWord(node["measure"], measureOf, "one of unknown, nominal, ordinal, scale", &field->variable.measure);
   readWord(node["role"], roleOf, "one of input, target, both, none, partition, split", &field->variable.role);
   readWord(node["alignment"], alignmentOf, "one of left, right, center", &field->variable.alignment);
   readColumnWidth(node["columnWidth"], field);
   field->variable.attributes = readAttributes(node["attributes"]);
   readWidth(node["width"], field);
   readFormat(node["format"], field);
+  field->hasNotANumber =
+      readTruth(node["notANumber"], *field, FieldType::kNumber, "no key that only a number field has");
+  field->hasEscapes = readTruth(node["escapes"], *field, FieldType::kString, "no key that only a string field has");
   for (const auto& [key, value] : node.value().items()) {
     if (std::find(std::begin(kFieldKeys), std::end(kFieldKeys), key) == std::end(kFieldKeys)) {
-      node[key].fail("no keys but measure, role, width, format, alignment, columnWidth, attributes");
+      node[key].fail(
+          "no keys but measure, role, width, format, alignment, columnWidth, attributes, labels, missing, notANumber, "
+          "escapes");
     }
   }
 }
@@ -160,14 +173,22 @@ Field readField(const JsonNode& node, const JsonNode& tableMissing) {
   checkWords(node["falseValues"], field.trueTexts);
   checkWords(node["trueValues"], field.falseTexts);
   checkReadable(node, field);
-  readFieldKeys(node["x-kova"], &field);
+  const JsonNode own = node["x-kova"];
+  readFieldKeys(own, &field);
   readCategories(node["categories"], &field);
+  if (own.exists()) readCategories(own["labels"], &field);
   const JsonNode ownMissing = node["missingValues"];
   readMissingValues(ownMissing.exists() ? ownMissing : tableMissing, &field);
+  if (own.exists()) readOwnMissing(own["missing"], &field);
   return field;
 }
 
 }  // namespace
+
+std::string_view wordOf(FieldType type) {
+  return std::find_if(std::begin(kTypes), std::end(kTypes) - 1, [type](const TypeRow& row) { return row.type == type; })
+      ->word;
+}
 
 std::vector<Field> readTableSchema(const JsonNode& schema) {
   const JsonNode match = schema["fieldsMatch"];

@@ -13,7 +13,17 @@ std::optional<Value> lookUp(const std::pair<std::string_view, Value> (&table)[co
   return std::nullopt;
 }
 
+// The first row stands for a value that the table does not have.
+template <typename Value, std::size_t count>
+std::string_view wordFor(const std::pair<std::string_view, Value> (&table)[count], Value wanted) {
+  for (const auto& [name, value] : table) {
+    if (value == wanted) return name;
+  }
+  return table[0].first;
+}
+
 constexpr std::pair<std::string_view, Measure> kMeasures[] = {
+    {"unknown", Measure::kUnknown},
     {"nominal", Measure::kNominal},
     {"ordinal", Measure::kOrdinal},
     {"scale", Measure::kScale},
@@ -38,11 +48,10 @@ std::optional<Role> roleOf(std::string_view word) { return lookUp(kRoles, word);
 
 std::optional<Alignment> alignmentOf(std::string_view word) { return lookUp(kAlignments, word); }
 
-std::string_view wordOf(Measure measure) {
-  for (const auto& [name, value] : kMeasures) {
-    if (value == measure) return name;
-  }
-  return "unknown";
-}
+std::string_view wordOf(Measure measure) { return wordFor(kMeasures, measure); }
+
+std::string_view wordOf(Role role) { return wordFor(kRoles, role); }
+
+std::string_view wordOf(Alignment alignment) { return wordFor(kAlignments, alignment); }
 
 }  // namespace kova::engine

@@ -50,14 +50,16 @@ enum MissingKind : int {
 constexpr int kMostMissing = 3;
 constexpr int kMissingTextBytes = 8;  // A string missing value is at most as long as one unit of a case.
 
-// The words of data descriptions: "nominal", "ordinal", "scale"; "input", "target", "both", "none", "partition",
-// "split"; "left", "right", "center". Nothing for another word.
+// The words of data descriptions: "unknown", "nominal", "ordinal", "scale"; "input", "target", "both", "none",
+// "partition", "split"; "left", "right", "center". Nothing for another word.
 std::optional<Measure> measureOf(std::string_view word);
 std::optional<Role> roleOf(std::string_view word);
 std::optional<Alignment> alignmentOf(std::string_view word);
 
-// The word of a level; "unknown" for none.
+// The word of each.
 std::string_view wordOf(Measure measure);
+std::string_view wordOf(Role role);
+std::string_view wordOf(Alignment alignment);
 
 }  // namespace kova::engine
 

@@ -1,8 +1,19 @@
 #include "engine/variables.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace kova::engine {
+namespace {
+
+// Grows by doubling, so that variables which are added one after the other cost no copy each.
+void makeRoom(std::vector<Variable>* variables, std::size_t more) {
+  const std::size_t needed = variables->size() + more;
+  if (needed > variables->capacity()) variables->reserve(std::max(needed, 2 * variables->capacity()));
+}
+
+}  // namespace
 
 Variables::Variables(std::initializer_list<Variable> variables) {
   for (const Variable& variable : variables) push_back(variable);
@@ -25,6 +36,34 @@ void Variables::push_back(Variable variable) {
   }
 }
 
+// What may throw comes first, so that a failure changes nothing: the names, then the room.
+void Variables::insert(std::size_t position, std::vector<Variable> variables) {
+  std::size_t named = 0;
+  try {
+    for (; named < variables.size(); ++named) positions_.emplace(variables[named].name, 0);
+    makeRoom(&variables_, variables.size());
+  } catch (...) {
+    while (named > 0) positions_.erase(variables[--named].name);
+    throw;
+  }
+  variables_.insert(variables_.begin() + static_cast<std::ptrdiff_t>(position),
+                    std::make_move_iterator(variables.begin()), std::make_move_iterator(variables.end()));
+  renumber(position);
+}
+
+void Variables::erase(std::size_t position) {
+  positions_.erase(variables_[position].name);
+  variables_.erase(variables_.begin() + static_cast<std::ptrdiff_t>(position));
+  renumber(position);
+}
+
+void Variables::move(std::size_t from, std::size_t to) {
+  const auto at = [this](std::size_t position) { return variables_.begin() + static_cast<std::ptrdiff_t>(position); };
+  if (from < to) std::rotate(at(from), at(from) + 1, at(to) + 1);
+  if (to < from) std::rotate(at(to), at(from), at(from) + 1);
+  renumber(std::min(from, to));
+}
+
 // What may throw comes first, so that a failure changes nothing.
 void Variables::rename(std::size_t position, std::string name) {
   std::string& old = variables_[position].name;
@@ -33,6 +72,10 @@ void Variables::rename(std::size_t position, std::string name) {
     positions_.erase(positions_.find(old));
   }
   old = std::move(name);
+}
+
+void Variables::renumber(std::size_t first) {
+  for (std::size_t i = first; i < variables_.size(); ++i) positions_.find(variables_[i].name)->second = i;
 }
 
 }  // namespace kova::engine

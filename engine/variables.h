@@ -34,6 +34,14 @@ class Variables {
   // Adds a variable behind the others; its name must be new.
   void push_back(Variable variable);
 
+  // Adds variables in front of the one at a position, which may be size(). Their names must be new and differ.
+  void insert(std::size_t position, std::vector<Variable> variables);
+
+  void erase(std::size_t position);
+
+  // Puts a variable to another position; those between the two move by one.
+  void move(std::size_t from, std::size_t to);
+
   // The variable to be changed in anything but its name, for which there is rename.
   Variable& change(std::size_t position) { return variables_[position]; }
 
@@ -43,6 +51,8 @@ class Variables {
   bool operator==(const Variables& other) const { return variables_ == other.variables_; }
 
  private:
+  void renumber(std::size_t first);
+
   std::vector<Variable> variables_;
   std::unordered_map<std::string, std::size_t, NameHash, NameEqual> positions_;
 };

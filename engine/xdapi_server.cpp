@@ -26,8 +26,9 @@ bool isConnected(int result) { return result == 0 || result == static_cast<int>(
 
 }  // namespace
 
-XdapiServer::XdapiServer(const std::string& baseName, Perform perform)
+XdapiServer::XdapiServer(const std::string& baseName, Perform perform, Leave leave)
     : perform_(std::move(perform)),
+      leave_(std::move(leave)),
       requests_(baseName + XPipes::XDAPI_PIPE),
       replies_(baseName + XPipes::XDAPI_RESULT_PIPE) {}
 
@@ -77,7 +78,10 @@ void XdapiServer::serve() {
   int failures = 0;
   while (!stopping_ && failures < kMostFailedConnects) {
     const bool connected = isConnected(requests_.ConnectPipe());
-    if (connected) converse();
+    if (connected) {
+      converse();
+      leave_();
+    }
     closeReplies();
     requests_.DisconnectPipe();
     failures = connected ? 0 : failures + 1;

@@ -28,8 +28,12 @@ class XdapiServer {
   // Carries out a request and fills the reply. Called on the server's thread; must not throw.
   using Perform = std::function<void(const CleXDSmb& request, CleXDSmb& reply)>;
 
+  // The client has gone. Called on the server's thread; must not throw.
+  using Leave = std::function<void()>;
+
   // For the pipes baseName + "xdapi" and baseName + "xdapiresult"; see baseName().
-  XdapiServer(const std::string& baseName, Perform perform);
+  XdapiServer(
+      const std::string& baseName, Perform perform, Leave leave = [] {});
   XdapiServer(const XdapiServer&) = delete;
   XdapiServer& operator=(const XdapiServer&) = delete;
   ~XdapiServer() { stop(); }
@@ -55,6 +59,7 @@ class XdapiServer {
   void closeReplies();
 
   Perform perform_;
+  Leave leave_;
   KovaPipe requests_;
   KovaPipe replies_;
   std::atomic<bool> stopping_{false};

@@ -47,6 +47,17 @@ class RawClient {
     return reply;
   }
 
+  // The code of the reply to a command with this text.
+  int askFor(const char* text, Command command) {
+    CleXDSmb request;
+    request.SetCommandAction(command);
+    request.SetString(text);
+    EXPECT_EQ(SendData(&requests_, request, false), 0);
+    CleXDSmb reply;
+    read(&reply);
+    return reply.GetErrorCode();
+  }
+
   // Tells that the server has dropped this client: its end of the request pipe is broken.
   void expectDropped() {
     char byte = 0;
@@ -137,6 +148,26 @@ TEST_F(XdapiServerTest, ServesOneClientAfterTheOther) {
   const std::string base = scratchBase();
   const auto server = serve(base);
   for (int i = 0; i < 20; ++i) expectServes(base);
+}
+
+TEST_F(XdapiServerTest, TellsOfEachClientThatHasGone) {
+  const std::string base = scratchBase();
+  std::atomic<int> gone{0};
+  XdapiServer server(
+      base, [this](const CleXDSmb& request, CleXDSmb& reply) { engine_.perform(request, reply); },
+      [this, &gone] {
+        engine_.leave();
+        ++gone;
+      });
+  ASSERT_EQ(server.start(), 0);
+  for (int i = 1; i <= 2; ++i) {
+    RawClient client(base);
+    EXPECT_EQ(client.ask(Command::HasCursor, 0).FirstLong(), 0) << "the cursor of the client before has gone with it";
+    EXPECT_EQ(client.askFor("r", Command::MakeCaseCursor), 0);
+    EXPECT_EQ(client.ask(Command::HasCursor, 0).FirstLong(), 1);
+    client.close();
+    while (gone < i) os::YieldThread();
+  }
 }
 
 TEST_F(XdapiServerTest, TwoServersServeTwoClientsAtOnce) {

@@ -6,6 +6,8 @@ import ctypes
 import os
 from ctypes import POINTER, byref, c_bool, c_char_p, c_double, c_int
 
+END_OF_CASES, END_OF_GROUP = 23, 67  # What NextCase returns behind the last case, and behind that of a split group.
+
 TABLE = (c_char_p, c_char_p, c_char_p, c_bool)
 DIMENSION = (*TABLE, c_char_p, c_int, c_int, c_bool, c_bool)
 
@@ -27,6 +29,20 @@ PROTOTYPES = {
     "FreeCValueLabels": (c_int, POINTER(c_char_p), POINTER(c_char_p), c_int),
     "GetVarNMissingValues": (c_int, c_int, POINTER(c_int), *[POINTER(c_double)] * 3),
     "GetVarCMissingValues": (c_int, c_int, POINTER(c_int), *[c_char_p] * 3),
+    "MakeCaseCursor": (c_int, c_char_p),
+    "NextCase": (c_int,),
+    "GetNumericValue": (c_int, c_int, POINTER(c_double), POINTER(c_int)),
+    "GetStringValue": (c_int, c_int, POINTER(c_char_p), c_int, POINTER(c_int)),
+    "AllocNewVarsBuffer": (c_int, c_int),
+    "SetOneVarNameAndType": (c_int, c_char_p, c_int),
+    "CommitHeader": (c_int,),
+    "SetValueNumeric": (c_int, c_char_p, c_double),
+    "CommitCaseRecord": (c_int,),
+    "EndChanges": (c_int,),
+    "RemoveCaseCursor": (c_int,),
+    "SetVarLabel": (c_int, c_char_p, c_char_p),
+    "SetVarNValueLabel": (c_int, c_char_p, c_double, c_char_p),
+    "SaveDataToTempFile": (c_int, c_char_p, POINTER(c_int), c_int),
     "StartProcedure": (c_int, c_char_p, c_char_p),
     "EndProcedure": (c_int,),
     "StartPivotTable": (c_int, *TABLE),
@@ -84,6 +100,33 @@ class Engine:
     def tell(self, function, *arguments):
         """Calls a function that returns its error code, and stores its results if it has any."""
         self.check(function, getattr(self.library, function)(*map(plain, arguments)))
+
+    def positions(self, *names):
+        """Where each variable stands in the dictionary, by name; these must be there."""
+        where = {self.value("GetVariableName", i): i for i in range(self.value("GetVariableCount"))}
+        missing = [name for name in names if name not in where]
+        if missing:
+            raise EngineError(f"the data have no variable {', '.join(missing)}; give kovadx run --data examples/penguins")
+        return where
+
+    def cases(self):
+        """Stands on each case of an open case cursor in turn."""
+        while (code := self.library.NextCase()) != END_OF_CASES:
+            if code != END_OF_GROUP:
+                self.check("NextCase", code)
+                yield
+
+    def number(self, variable):
+        """The current case's value of a numeric variable, None where it is missing."""
+        value, missing = c_double(), c_int()
+        self.tell("GetNumericValue", variable, byref(value), byref(missing))
+        return None if missing.value else value.value
+
+    def text(self, variable, width):
+        """The current case's value of a string variable of that width, without the blanks that fill it up."""
+        value, missing = ctypes.create_string_buffer(width + 1), c_int()
+        self.tell("GetStringValue", variable, byref(ctypes.cast(value, c_char_p)), width, byref(missing))
+        return value.value.decode().rstrip(" ")
 
     def check(self, function, code):
         if code != 0:

@@ -3,8 +3,6 @@
 
     kovadx run --data examples/penguins -- python3 examples/penguins/summary.py
 """
-import csv
-import pathlib
 import statistics
 import sys
 
@@ -18,27 +16,20 @@ INNER_ROWS = (*TABLE, "Island", 0, 1, False, False)
 COLUMNS = (*TABLE, "Statistics", 1, 0, True, False)
 
 
-def read_groups(path):
+def read_groups(engine, where):
     """The body masses of each pair of species and island, and how many penguins were not weighed."""
     groups, unknown = {}, {}
-    with open(path, encoding="utf-8", newline="") as file:
-        for row in csv.DictReader(file):
-            key = row[SPECIES], row[ISLAND]
-            masses = groups.setdefault(key, [])
-            if row[MASS]:
-                masses.append(float(row[MASS]))
-            else:
-                unknown[key] = unknown.get(key, 0) + 1
+    widths = {name: engine.value("GetVariableType", where[name]) for name in (SPECIES, ISLAND)}
+    engine.tell("MakeCaseCursor", "r")
+    for _ in engine.cases():
+        key = tuple(engine.text(where[name], width) for name, width in widths.items())
+        masses, mass = groups.setdefault(key, []), engine.number(where[MASS])
+        if mass is None:
+            unknown[key] = unknown.get(key, 0) + 1
+        else:
+            masses.append(mass)
+    engine.tell("RemoveCaseCursor")
     return groups, unknown
-
-
-def positions(engine):
-    """Where each variable stands in the dictionary, by name; those that the table is about must be there."""
-    where = {engine.value("GetVariableName", i): i for i in range(engine.value("GetVariableCount"))}
-    missing = [name for name in (SPECIES, ISLAND, MASS) if name not in where]
-    if missing:
-        raise EngineError(f"the data have no variable {', '.join(missing)}; give kovadx run --data examples/penguins")
-    return where
 
 
 def fill_row(engine, where, key, masses, unknown):
@@ -61,8 +52,8 @@ def fill_row(engine, where, key, masses, unknown):
 
 def main():
     engine = Engine()
-    groups, unknown = read_groups(pathlib.Path(__file__).parent / "penguins.csv")
-    where = positions(engine)
+    where = engine.positions(SPECIES, ISLAND, MASS)
+    groups, unknown = read_groups(engine, where)
     engine.tell("StartProcedure", "Summary", "Summary of the penguins")
     engine.tell("StartPivotTable", *TABLE)
     for dimension in (ROWS, INNER_ROWS, COLUMNS):

@@ -16,6 +16,7 @@ constexpr const char* kExamples =
     "  kovadx run --data examples/penguins -- examples/penguins/describe\n"
     "  kovadx run --data examples/penguins -- python3 examples/penguins/describe.py\n"
     "  kovadx run --data examples/penguins --output report.html -- python3 examples/penguins/summary.py\n"
+    "  kovadx run --data examples/penguins --save new/datapackage.json -- python3 new_variable.py\n"
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
     "  kovadx decode request.bin\n"
     "  kovadx explain 99104\n"
@@ -33,6 +34,11 @@ std::string checkName(const std::string& name) {
 
 // An empty value is a variable of the caller's script that is not set.
 std::string checkPath(const std::string& path) { return path.empty() ? "expected a path, found \"\"" : ""; }
+
+// Without this end --data would take the path for a folder's.
+std::string checkDescriptor(const std::string& path) {
+  return path.ends_with(".json") ? "" : "expected a path that ends in .json, found \"" + path + "\"";
+}
 
 void toUpper(std::string* text) {
   std::transform(text->begin(), text->end(), text->begin(), [](unsigned char c) { return std::toupper(c); });
@@ -60,10 +66,15 @@ void addRun(CLI::App* app, RunOptions& options) {
   CLI::App* run =
       app->add_subcommand("run",
                           "Start an engine, run a program beside it, and end as the program ends:\n"
-                          "kovadx run [--data DATAPACKAGE] [--output REPORT.html] [--name NAME] [--home DIR] "
-                          "-- PROGRAM ARGS...");
+                          "kovadx run [--data DATAPACKAGE] [--save FILE.json] [--output REPORT.html] [--name NAME] "
+                          "[--home DIR] -- PROGRAM ARGS...");
   run->footer(kExamples);
   run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder")->check(checkPath);
+  run->add_option("--save", options.save,
+                  "The descriptor of the Data Package that the active data set is written to when the program has "
+                  "succeeded")
+      ->check(checkPath)
+      ->check(checkDescriptor);
   run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
   run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)")
       ->check(checkPath);

@@ -19,6 +19,7 @@ struct RunOptions {
   std::string data;                  // A Data Package's descriptor or folder; empty for an engine without data.
   std::string name = "EXTERNAL";     // The instance name, in upper case.
   std::string home;                  // The home folder; empty for kovadx's own.
+  std::string save;                  // The descriptor that the data are saved to at the end; empty for none.
   std::string output;                // Where the report is written; empty for none.
   std::vector<std::string> program;  // The program and its arguments; never empty.
 };

@@ -1,30 +1,14 @@
 #!/usr/bin/python3
-"""Runs the kovadx command as its users do, from the home folder that the build assembled.
-
-Usage: kovadx_test.py --home FOLDER [--emulator PROGRAM] [--preload LIBRARY]
-
-With an emulator the home folder is that of the Windows build. --preload names the sanitizer's runtime, which a program
-that loads an instrumented library must load first.
-"""
-import argparse
+"""Runs the kovadx command as its users do; see kovadx_kit.py."""
 import os
 import pathlib
-import shutil
 import signal
 import struct
 import subprocess
-import sys
-import tempfile
 import threading
 import time
-import unittest
 
-HERE = pathlib.Path(__file__).resolve().parent
-PENGUINS = HERE.parent.parent / "examples" / "penguins"
-EXPECTED = (HERE / "penguins_dictionary.txt").read_text().splitlines()
-PATIENCE = 90  # Seconds for a run as a whole; an emulator's first start takes some.
-
-options = None
+from kovadx_kit import EXPECTED, HERE, PATIENCE, PENGUINS, KovadxTest, options, run_tests
 
 
 def is_alive(pid):
@@ -42,56 +26,6 @@ def wait_until(condition, what):
         if time.monotonic() > end:
             raise AssertionError(f"waited in vain: {what}")
         time.sleep(0.005)
-
-
-class KovadxTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="kovadx_test_"))
-        self.addCleanup(shutil.rmtree, self.scratch, ignore_errors=True)
-        self.pipes = self.scratch / "pipes"
-        self.pipes.mkdir(mode=0o700)
-        self.addCleanup(self.check_nothing_left)
-
-    def check_nothing_left(self):
-        left = list(self.pipes.glob("*xdapi*"))
-        self.assertEqual(left, [], "socket files were left behind")
-
-    def command(self, *arguments):
-        suffix = ".exe" if options.emulator else ""
-        start = [options.emulator] if options.emulator else []
-        return [*start, str(options.home / f"kovadx{suffix}"), *map(str, arguments)]
-
-    def environment(self, preload=False, variables=None):
-        environment = {**os.environ, "KOVA_PIPE_DIR": str(self.pipes)}
-        for name in ("KOVA_HOME", "KOVA_XNAME", "KOVADXTEMP"):
-            environment.pop(name, None)
-        if preload and options.preload:
-            environment.update(LD_PRELOAD=options.preload, ASAN_OPTIONS="detect_leaks=0")
-        environment.update(variables or {})
-        return environment
-
-    def kovadx(self, *arguments, preload=False, variables=None, **more):
-        """Runs kovadx to its end: exit code, output lines, error lines."""
-        run = subprocess.run(self.command(*arguments), env=self.environment(preload, variables), capture_output=True,
-                             text=True, timeout=PATIENCE, **more)
-        return run.returncode, run.stdout.splitlines(), run.stderr.splitlines()
-
-    def start(self, *arguments, **more):
-        process = subprocess.Popen(self.command(*arguments), env=self.environment(), stdout=subprocess.PIPE,
-                                   stderr=subprocess.PIPE, text=True, **more)
-        self.addCleanup(process.stdout.close)
-        self.addCleanup(process.stderr.close)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
-        return process
-
-    def describe(self):
-        return options.home / "examples" / "penguins" / ("describe.exe" if options.emulator else "describe")
-
-    def shell(self, posix, windows):
-        return ["cmd", "/c", windows] if options.emulator else ["/bin/sh", "-c", posix]
 
 
 class Home(KovadxTest):
@@ -118,6 +52,9 @@ class CommandLine(KovadxTest):
             (["run", "--"], 'kovadx: no program to run; name it behind "--", as in: kovadx run -- PROGRAM ARGS...'),
             (["run", "--data"], "kovadx: --data: 1 required TEXT missing; see kovadx --help"),
             (["run", "--data", "", "--", "x"], 'kovadx: --data: expected a path, found ""; see kovadx --help'),
+            (["run", "--save", "", "--", "x"], 'kovadx: --save: expected a path, found ""; see kovadx --help'),
+            (["run", "--save", "out.csv", "--", "x"],
+             'kovadx: --save: expected a path that ends in .json, found "out.csv"; see kovadx --help'),
             (["run", "--home", "", "--", "x"], 'kovadx: --home: expected a path, found ""; see kovadx --help'),
             (["run", "--name", "a b", "--", "x"],
              'kovadx: --name: expected 1 to 32 letters, digits and underscores, found "a b"; see kovadx --help'),
@@ -541,24 +478,6 @@ class PosixEnding(KovadxTest):
         self.assertEqual(self.kovadx("run", "--", "/bin/true")[0], 0)  # It takes away what the killed one has left.
 
 
-# What runs under an emulator too, and what needs a shell and signals of this system.
-PORTABLE = (Home, CommandLine, Diagnostics, Examples, Programs, Reports)
-POSIX = (PosixExamples, PosixReports, PosixPrograms, PosixShortage, PosixEnding)
-
-
-def main():
-    global options
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--home", type=pathlib.Path, required=True)
-    parser.add_argument("--emulator")
-    parser.add_argument("--preload")
-    options = parser.parse_args()
-    signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job has it ignored.
-    classes = PORTABLE if options.emulator else PORTABLE + POSIX
-    loader = unittest.TestLoader()
-    suite = unittest.TestSuite(loader.loadTestsFromTestCase(test_class) for test_class in classes)
-    sys.exit(not unittest.TextTestRunner(verbosity=2).run(suite).wasSuccessful())
-
-
 if __name__ == "__main__":
-    main()
+    run_tests((Home, CommandLine, Diagnostics, Examples, Programs, Reports),
+              (PosixExamples, PosixReports, PosixPrograms, PosixShortage, PosixEnding))

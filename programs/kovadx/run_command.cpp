@@ -12,6 +12,7 @@
 
 #include "api/InitDxGlobal.h"
 #include "engine/data_package.h"
+#include "engine/data_package_writer.h"
 #include "engine/engine.h"
 #include "engine/text_file.h"
 #include "engine/xdapi_server.h"
@@ -162,16 +163,18 @@ int reportNotServed(const std::string& pipe, int code) {
 
 // The engine is still carrying out a call of a program that is gone. Nobody can take that from it, nor ask it for its
 // output meanwhile.
-[[noreturn]] void leave(int exitCode) {
-  printError("the engine was still busy with the program's last call; its output is lost");
+[[noreturn]] void leave(const RunOptions& options, int exitCode) {
+  printError(std::string("the engine was still busy with the program's last call; its output is lost") +
+             (options.save.empty() ? "" : ", and no data are saved"));
   std::fflush(stdout);
   std::_Exit(exitCode == 0 ? kOwnFailure : exitCode);
 }
 
 int serve(engine::Engine* engine, const RunOptions& options, os::Process* program) {
   const std::string baseName = engine::XdapiServer::baseName(program->Id(), options.name, 0);
-  engine::XdapiServer server(baseName,
-                             [engine](const CleXDSmb& request, CleXDSmb& reply) { engine->perform(request, reply); });
+  engine::XdapiServer server(
+      baseName, [engine](const CleXDSmb& request, CleXDSmb& reply) { engine->perform(request, reply); },
+      [engine] { engine->leave(); });
   const int started = server.start();
   if (started != 0) {
     program->Terminate();
@@ -180,7 +183,7 @@ int serve(engine::Engine* engine, const RunOptions& options, os::Process* progra
     return reportNotServed(baseName + XPipes::XDAPI_PIPE, started);
   }
   const int exitCode = waitForProgram(program);
-  if (!server.stop(kLastCallMs)) leave(exitCode);
+  if (!server.stop(kLastCallMs)) leave(options, exitCode);
   removeReplyPipe(baseName);
   return exitCode;
 }
@@ -208,6 +211,24 @@ int tellLostOutput(int exitCode) {
   if (!outputLost) return exitCode;
   printError("the output could not be written to the standard output; it is lost");
   return exitCode == 0 ? kOwnFailure : exitCode;
+}
+
+bool canSave(const RunOptions& options) {
+  if (options.save.empty()) return true;
+  engine::FileSystem files;
+  std::string problem;
+  if (engine::checkPackagePlace(options.save, files, &problem) == ErrorCode::kNone) return true;
+  printError("can not save the data: " + problem);
+  return false;
+}
+
+// The program's exit code; kovadx's own when the program did well and its data could not be saved.
+int saveData(const RunOptions& options, const engine::Engine& engine, int exitCode) {
+  std::string problem;
+  if (options.save.empty() || exitCode != 0) return exitCode;
+  if (engine.saveActive(options.save, &problem) == ErrorCode::kNone) return exitCode;
+  printError("the data could not be saved: " + problem);
+  return kOwnFailure;
 }
 
 bool canWriteReport(const RunOptions& options) {
@@ -245,7 +266,7 @@ int runCommand(const RunOptions& options) {
     printError("no such home folder: " + named + "; give the folder that holds the library with --home");
     return kOwnFailure;
   }
-  if (!canWriteReport(options)) return kOwnFailure;
+  if (!canSave(options) || !canWriteReport(options)) return kOwnFailure;
   engine::Engine engine;
   if (!openData(options, &engine)) return kOwnFailure;
   engine.onOutput(print);
@@ -258,7 +279,7 @@ int runCommand(const RunOptions& options) {
   if (error != os::kSuccess) return reportNotStarted(options.program.front(), error);
   const int exitCode = serve(&engine, options, &program);
   engine.endOutput();
-  return writeReport(options, engine, tellLostOutput(exitCode));
+  return writeReport(options, engine, tellLostOutput(saveData(options, engine, exitCode)));
 }
 
 }  // namespace kova::program

@@ -11,6 +11,20 @@ void TextList::append(CleXDSmb& request) const {
   for (int i = 0; i < count; ++i) list.SetValue(texts[i]);
 }
 
+void Texts::append(CleXDSmb& request) const {
+  for (int i = 0; texts && i < count; ++i) request.SetString(texts[i]);
+}
+
+void Longs::append(CleXDSmb& request) const {
+  for (int i = 0; values && i < count; ++i) request.SetLong(values[i]);
+}
+
+void LongList::append(CleXDSmb& request) const {
+  if (!values) return;
+  LongData& list = request.GetLongArrayRef().emplace_back();
+  for (int i = 0; i < count; ++i) list.SetValue(values[i]);
+}
+
 void TableKey::append(CleXDSmb& request) const {
   for (const char* const key : {key1, key2, key3}) request.SetString(key);
   request.SetLong(flag);

@@ -5,6 +5,8 @@
 #ifndef KOVADX_API_CALL_ARGUMENTS_H
 #define KOVADX_API_CALL_ARGUMENTS_H
 
+#include <vector>
+
 #include "message/CleXDSmb.h"
 
 namespace kova {
@@ -38,6 +40,38 @@ struct TextList {
   const char* const* texts;
   int count;
   void append(CleXDSmb& request) const;
+};
+
+// `count` texts or integers, each an item of its own; a negative count counts as 0.
+struct Texts {
+  const char* const* texts;
+  int count;
+  void append(CleXDSmb& request) const;
+};
+struct Longs {
+  const int* values;
+  int count;
+  void append(CleXDSmb& request) const;
+};
+
+// `count` integers as one list; a negative count counts as 0.
+struct LongList {
+  const int* values;
+  int count;
+  void append(CleXDSmb& request) const;
+};
+
+// `size` bytes as the raw block, sent from where they lie; a null block or a negative size sends none.
+struct RawBlock {
+  const void* block;
+  int size;
+  void append(CleXDSmb& request) const { request.BorrowVoidData(block, size); }
+};
+
+// Changes of cells, each a record.
+struct Cells {
+  const std::vector<dataSet>& cells;
+  void append(CleXDSmb& request) const { request.SetStruct(cells); }
 };
 
 // What names a pivot table in every call about it: three texts and a flag, 0 or 1.

@@ -50,30 +50,35 @@ void pack(Command command, std::span<const CallItem> items, CleXDSmb& request) {
   }
 }
 
-void unpack(std::span<const CallItem> items, const CleXDSmb& reply) {
+bool isUnpacked(int code, EngineCode engineCode) {
+  const bool isEnd = code == kEndOfCases || code == kEndOfSplitGroup;
+  return code == 0 || (isEnd && engineCode == EngineCode::kTellsTheEnd);
+}
+
+void unpack(std::span<const CallItem> items, CleXDSmb& reply) {
   for (const CallItem& item : items) {
     if (item.take) item.take(item.object, reply);
   }
 }
 
-int converse(Command command, std::span<const CallItem> items, int* errorCode, EngineCode engineCode) {
+int converse(Command command, std::span<const CallItem> items, int* errorCode, Manner manner) {
   CleXDSmb request;
   pack(command, items, request);
   const CallPipes pipes = SelectPipes();
   if (!pipes) return kPipeFailed;
   int code = store(errorCode, sendRequest(*pipes.request, request));
   // A request that could not be built was never sent, and nobody will answer it.
-  if (code == kNotEnoughMemory) return code;
+  if (code == kNotEnoughMemory || (code != 0 && !manner.waitsWhenUnsent)) return code;
   CleXDSmb reply;
-  code = store(errorCode, receiveReply(*pipes.reply, reply, engineCode));
-  if (code == 0) unpack(items, reply);
+  code = store(errorCode, receiveReply(*pipes.reply, reply, manner.engineCode));
+  if (isUnpacked(code, manner.engineCode)) unpack(items, reply);
   return code;
 }
 
 }  // namespace
 
-int Exchange(Command command, std::span<const CallItem> items, int* errorCode, EngineCode engineCode) noexcept {
-  return store(errorCode, Guarded([&] { return converse(command, items, errorCode, engineCode); }));
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode, Manner manner) noexcept {
+  return store(errorCode, Guarded([&] { return converse(command, items, errorCode, manner); }));
 }
 
 bool Affirmed(Command command) {

@@ -24,16 +24,25 @@
 namespace kova {
 
 constexpr int kEngineNotRunning = 17;
+constexpr int kEndOfCases = 23;       // The engine's code with the last cases of the data, or without any.
+constexpr int kEndOfSplitGroup = 67;  // The same of a split group.
 
-// What the engine's own code in a whole reply means to the call.
-enum class EngineCode { kEndsTheCall, kIgnored };
+// What the engine's own code in a whole reply means to the call. kTellsTheEnd: the two codes above end it with that
+// code, but what came with them is unpacked.
+enum class EngineCode { kEndsTheCall, kIgnored, kTellsTheEnd };
+
+// What differs from call to call.
+struct Manner {
+  EngineCode engineCode = EngineCode::kEndsTheCall;
+  bool waitsWhenUnsent = true;
+};
 
 // A reference to one item of a call, without its type, so that the conversation is compiled once and not once a
 // function. `append` or `take` is null where the item has none.
 struct CallItem {
   const void* object;
   void (*append)(const void* object, CleXDSmb& request);
-  void (*take)(const void* object, const CleXDSmb& reply);
+  void (*take)(const void* object, CleXDSmb& reply);
 };
 
 // The whole conversation of one call: packs the request, sends it, waits for the reply and, when all went well, unpacks
@@ -43,9 +52,8 @@ struct CallItem {
 // Where the engine's code is ignored, the result is the transport's alone, and what came with the code is unpacked.
 //
 // Deliberate: when the request can not be sent - after 20 attempts, 100 ms apart, to open its pipe - the call still
-// waits for a reply, without limit.
-int Exchange(Command command, std::span<const CallItem> items, int* errorCode,
-             EngineCode engineCode = EngineCode::kEndsTheCall) noexcept;
+// waits for a reply, without limit, unless its manner is another.
+int Exchange(Command command, std::span<const CallItem> items, int* errorCode, Manner manner = {}) noexcept;
 
 template <class Item>
 CallItem itemOf(const Item& item) {
@@ -53,8 +61,8 @@ CallItem itemOf(const Item& item) {
   if constexpr (requires(CleXDSmb & request) { item.append(request); }) {
     result.append = [](const void* object, CleXDSmb& request) { static_cast<const Item*>(object)->append(request); };
   }
-  if constexpr (requires(const CleXDSmb& reply) { item.take(reply); }) {
-    result.take = [](const void* object, const CleXDSmb& reply) { static_cast<const Item*>(object)->take(reply); };
+  if constexpr (requires(CleXDSmb & reply) { item.take(reply); }) {
+    result.take = [](const void* object, CleXDSmb& reply) { static_cast<const Item*>(object)->take(reply); };
   }
   return result;
 }
@@ -80,12 +88,18 @@ int Tell(Command command, const Items&... items) {
   return SendWhenRunning(command, nullptr, items...);
 }
 
+// The conversation of a call that differs from the others.
+template <class... Items>
+int SendInManner(Manner manner, Command command, int* errorCode, const Items&... items) {
+  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
+  return Exchange(command, list, errorCode, manner);
+}
+
 // The conversation of the few functions that take what the reply holds whatever the engine's own code is. For them a
 // reply that was cut short is a failure of the transport, since no other code would tell.
 template <class... Items>
 int Fetch(Command command, int* errorCode, const Items&... items) {
-  const std::array<CallItem, sizeof...(Items)> list{itemOf(items)...};
-  return Exchange(command, list, errorCode, EngineCode::kIgnored);
+  return SendInManner({EngineCode::kIgnored}, command, errorCode, items...);
 }
 
 // A question to a running engine: true when its answer is a number other than 0, false on any error.

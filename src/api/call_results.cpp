@@ -99,6 +99,12 @@ void IntoWideText::take(const CleXDSmb& reply) const { store(place, KeepWideText
 
 void IntoTexts::take(const CleXDSmb& reply) const { takeTexts(reply.Strings(), reply.Strings().Size(), texts, count); }
 
+void IntoNames::take(const CleXDSmb& reply) const {
+  const bool areListed = reply.Strings().Size() == 0 && !reply.StringArrays().empty();
+  const StringData& texts = areListed ? reply.StringArrays().front() : reply.Strings();
+  takeTexts(texts, texts.Size(), names, count);
+}
+
 void IntoCountedTexts::take(const CleXDSmb& reply) const {
   const int found = std::max(0, std::min(reply.FirstLong(), reply.Strings().Size()));
   takeTexts(reply.Strings(), found, texts, count);

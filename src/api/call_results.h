@@ -90,6 +90,13 @@ struct IntoTexts {
   void take(const CleXDSmb& reply) const;
 };
 
+// All names: the texts, or, where there are none, those of the first list of texts.
+struct IntoNames {
+  char*** names;
+  int* count;
+  void take(const CleXDSmb& reply) const;
+};
+
 // As many texts as the first integer says, as far as they are there.
 struct IntoCountedTexts {
   char*** texts;

@@ -1,6 +1,5 @@
 #include "api/client_state.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -10,7 +9,6 @@
 namespace kova {
 namespace {
 
-std::atomic<bool> engineRunning = false;
 std::atomic<int> lastReceiveStatus = 0;
 std::atomic<unsigned short*> wideText = nullptr;
 
@@ -33,9 +31,7 @@ SharedText* roomFor(std::size_t size, SharedText* earlier) {
 
 }  // namespace
 
-bool IsEngineRunning() { return engineRunning.load(std::memory_order_relaxed); }
-
-void SetEngineRunning(bool running) { engineRunning.store(running, std::memory_order_relaxed); }
+void SetEngineRunning(bool running) { engineRunningFlag.store(running, std::memory_order_relaxed); }
 
 int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxed); }
 

@@ -6,14 +6,17 @@
 #ifndef KOVADX_API_CLIENT_STATE_H
 #define KOVADX_API_CLIENT_STATE_H
 
+#include <atomic>
 #include <string>
 
 #include "message/wide_text.h"
 
 namespace kova {
 
-// Whether there is an engine to talk to.
-bool IsEngineRunning();
+// Whether there is an engine to talk to. It is asked for every single value of a case, and so stands here, to be
+// compiled into its callers.
+inline std::atomic<bool> engineRunningFlag = false;
+inline bool IsEngineRunning() { return engineRunningFlag.load(std::memory_order_relaxed); }
 void SetEngineRunning(bool running);
 
 // The transport's own result of the last reply: 0 when it came whole.

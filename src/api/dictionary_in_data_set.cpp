@@ -1,5 +1,6 @@
 // Calls that read and change the dictionary of a data set by its name.
 #include "api/call_frame.h"
+#include "api/data_set_caches.h"
 #include "api/kovadx.h"
 
 using namespace kova;
@@ -29,7 +30,8 @@ int GetVarTypeInDS(const char* dataSet, int index, int* errorCode) {
 }
 
 int SetVarTypeInDS(const char* dataSet, int index, int type) {
-  return Tell(Command::SetVarTypeInDS, Text{dataSet}, Long{index}, Long{type});
+  const int code = Tell(Command::SetVarTypeInDS, Text{dataSet}, Long{index}, Long{type});
+  return OnceAccepted(code, dataSet, [&](DatastepDataSmb& record) { record.UpdateVarType(index, type); });
 }
 
 const char* GetVarFormatInDS(const char* dataSet, int index, int* errorCode) {

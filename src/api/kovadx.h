@@ -9,7 +9,7 @@
  *
  * Two shapes.
  * - Status shape: the result is an error code, results come through pointers. Nothing is stored unless the code is 0,
- *   save by GetSetting.
+ *   save by GetSetting and SaveDataToTempFile.
  * - Value shape: the result is the value, and the last parameter, errorCode, receives the code. Look at it first: on
  *   failure the value means nothing, and a text or a list is null.
  *
@@ -32,11 +32,12 @@
  * engine to come and reply; so does a call whose request could not be written.
  *
  * Who frees what. There are three kinds of result in memory:
- * - A text that a function of the value shape returns is the library's own. It is valid until the next function that
- *   returns a text is called, on any thread, and is never freed. Copy it.
- * - A text through a `char**` (save that of GetSetting) and a list through a `char***` or a `double**`, and a list that
- * is returned, are the caller's own, made by malloc. They go back with the function that the comment names. A list
- * comes with its count; when that is 0 there is no list: nothing is allocated and its place is not stored.
+ * - A text that a function of the value shape returns as `const char*` is the library's own. It is valid until the
+ *   next function that returns such a text is called, on any thread, and is never freed. Copy it.
+ * - A text through a `char**` (save that of GetSetting) or returned as `char*`, a list through a `char***` or a
+ *   `double**`, and a list that is returned, are the caller's own, made by malloc. They go back with the function that
+ *   the comment names. A list comes with its count; when that is 0 there is no list: nothing is allocated and its place
+ *   is not stored.
  * - Lists behind a `void*` are the library's own until RemoveStringList.
  *
  * Texts are NUL-terminated bytes in the engine's encoding. Positions of variables, cases and the like count from 0.
@@ -246,6 +247,13 @@ KOVADX_API int AcceptSocket(void);
 
 /** The number of cases. */
 KOVADX_API int GetRowCount(int* errorCode);
+
+/** The number of cases of the data that the running procedure works on. */
+KOVADX_API int GetRowCountInProcDS(int* errorCode);
+
+/** The number of those cases that are selected; -1 on failure. The code is 17, and nothing is sent, when the engine is
+ * not running. */
+KOVADX_API int GetSelectedRowCountInProcDS(int* errorCode);
 
 /** The names of the variables whose values split the cases into groups, and their count; 0 without a split. The caller
  * frees with FreeStringArray. */
@@ -587,6 +595,347 @@ KOVADX_API int SetMultiResponseSetInDS(const char* dataSet, const char* setName,
 
 /** Removes a multiple-response set. */
 KOVADX_API int DelMultiResponseSetInDS(const char* dataSet, const char* setName);
+
+/** @} */
+
+/** @defgroup cases Cases
+ *
+ * Reads the cases of the data one after the other, changes them, and adds variables and cases. A process has one case
+ * cursor: MakeCaseCursor makes it, NextCase moves it on, RemoveCaseCursor ends it. A variable is addressed by its
+ * position, from 0 in the order of the procedure's data as it was when the cursor was made, or by its name where it is
+ * written to. Status shape but for GetCaseLength; nothing to free.
+ *
+ * A cursor for reading takes cases from the engine in batches of up to 20 MiB; values come out of the batch and cost no
+ * call of the engine. A cursor for writing takes one case at a time. Between MakeCaseCursor and RemoveCaseCursor the
+ * record of the variables is this process's own: a cursor that only the engine has is asked for each case and value.
+ *
+ * Values to be written are kept in this process until a commit sends them, all at once, in the order in which they were
+ * set. A commit that succeeds forgets them, one that fails keeps them.
+ *
+ * What these functions add to the error codes:
+ * - 10: there is no variable at that position; 24: the variable is of the other kind; 1900: there is no current case,
+ *   before the first NextCase and behind the last case. These three come from the values of a cursor of this process.
+ * - 23: there is no further case; 67: there is none in the present split group, and the next NextCase begins the next
+ *   group. They come from NextCase in place of a case: the case before them was the last.
+ *
+ * @{
+ */
+
+/** Makes the case cursor, in place of an earlier one. The mode is "r" or "R" for reading, "w" or "W" for writing; what
+ * another text means is the engine's affair, and such a cursor takes one case at a time. Asks the engine for the type
+ * and the missing values of each variable. When one of these questions fails, its code is the result and this process
+ * keeps the cursor that it had; so it does with 13, which means that a case would be larger than any message. */
+KOVADX_API int MakeCaseCursor(const char* accessMode);
+
+/** Stores a number other than 0 when the engine has a case cursor. */
+KOVADX_API int HasCursor(int* hasCursor);
+
+/** Stores the engine's position in the data. It may be ahead of the current case by what the batch still holds. */
+KOVADX_API int GetCursorPosition(int* position);
+
+/** Moves to the next case. 0 with a case; 23 or 67 at the end, see above; any other code leaves no current case. A
+ * request for a batch that could not be sent ends the call at once.
+ *
+ * A batch that was cut short on its way reads as zeros behind the cut: KovaLastReceiveStatus tells, which stands in
+ * kovadx_ext.h. */
+KOVADX_API int NextCase(void);
+
+/** The current case's value of a numeric variable. `*isMissing` is 0 when it is valid, 1 when it is user-missing, 2
+ * when it is system-missing. */
+KOVADX_API int GetNumericValue(int index, double* value, int* isMissing);
+
+/** The current case's value of a string variable, into the buffer at which `*value` points; `*isMissing` as for
+ * GetNumericValue. The buffer needs room for as many bytes as the variable is wide: exactly so many are written, blanks
+ * at the end included, with NUL bytes in place of all behind a first one. No NUL is added behind a value that fills the
+ * width.
+ *
+ * Deliberate: `length`, the buffer's size, is looked at only where this process has no cursor and the engine gives the
+ * value; at most so many bytes are written then. */
+KOVADX_API int GetStringValue(int index, char** value, int length, int* isMissing);
+
+/** Stores a number other than 0 when the present split group has ended, 0 while it goes on, and while the batch holds
+ * cases. The code 67 is an answer here, and gives 0. */
+KOVADX_API int IsEndSplit(int* isEnd);
+
+/** The size of a case of that data set, in bytes. Value shape. */
+KOVADX_API int GetCaseLength(const char* dataSet, int* errorCode);
+
+/** Keeps a value for a numeric variable until the next commit. A null name keeps nothing. A local function: 0, 8 or 17.
+ */
+KOVADX_API int SetValueNumeric(const char* varName, double value);
+
+/** Keeps a value for a string variable until the next commit. A null name or value keeps nothing. A local function: 0,
+ * 8 or 17. */
+KOVADX_API int SetValueChar(const char* varName, const char* value);
+
+/** Adds a case with the kept values. */
+KOVADX_API int CommitNewCase(void);
+
+/** Writes the kept values into the current case, which the engine sends back: it takes the place of the cursor's batch,
+ * so that values read next are the changed ones. */
+KOVADX_API int CommitCaseRecord(void);
+
+/** Adds many cases to a data set at once: `caseCount` cases, one behind the other in the `blockSize` bytes of
+ * `caseBlock`. A case is a run of units of 8 bytes: a double for each numeric variable, and for a string variable as
+ * many units as its width fills, padded with blanks. `varTypes` has the types of the `varCount` variables, 0 for a
+ * number, else the width in bytes. The block is sent from where it lies and stays the caller's. KovaLayOutCase in
+ * kovadx_ext.h tells where each variable begins. */
+KOVADX_API int CommitManyCases(const char* dataSet, const void* caseBlock, int blockSize, int caseCount, int varCount,
+                               const int* varTypes);
+
+/** Tells the engine how many variables will be added. */
+KOVADX_API int AllocNewVarsBuffer(int count);
+
+/** Adds a variable: its name, and its type, 0 for a number, else the width in bytes. */
+KOVADX_API int SetOneVarNameAndType(const char* name, int type);
+
+/** Adds `count` variables, in one call. */
+KOVADX_API int SetVarNameAndType(const char* const* varNames, const int* varTypes, int count);
+
+/** Tells the engine that all new variables are named; it makes them now, behind the others. */
+KOVADX_API int CommitHeader(void);
+
+/** Ends the changes of this pass over the data and makes them good. */
+KOVADX_API int EndChanges(void);
+
+/** Begins the pass over the data anew. This process's cursor goes; the values kept for a commit stay. */
+KOVADX_API int ResetDataPass(void);
+
+/** Ends the case cursor. This process's cursor goes, and with it the values kept for a commit, whatever the engine
+ * answers. */
+KOVADX_API int RemoveCaseCursor(void);
+
+/** @} */
+
+/** @defgroup data_sets Data sets
+ *
+ * The data sets that the engine has open, addressed by their names; names are compared byte by byte on this side.
+ * Status shape, but for the functions with an error code as their last parameter, which have the value shape.
+ *
+ * @{
+ */
+
+/** Has the engine create a data set of that name. What the flags mean is the engine's affair. On success the engine is
+ * then asked for the name of the active data set, where the given one is empty or "*", and for the data set's numbers
+ * of cases and variables; whatever becomes of these questions, the result is the code of the creation. */
+KOVADX_API int CreateDataset(const char* name, int flag1, int flag2);
+
+/** Renames a data set. */
+KOVADX_API int SetDatasetName(const char* oldName, const char* newName);
+
+/** A name that no data set has. The caller frees with FreeString. */
+KOVADX_API int GetNewDatasetName(char** name);
+
+/** The name of the active data set. */
+KOVADX_API const char* GetActive(int* errorCode);
+
+/** Makes a data set the active one. */
+KOVADX_API int SetActive(const char* name);
+
+/** Makes a copy of a data set under another name. */
+KOVADX_API int CopyDataset(const char* source, const char* target);
+
+/** Closes a data set. Changes of cells that are pending are sent first; a failure to do so is not told, and keeps them.
+ */
+KOVADX_API int CloseDataset(const char* name);
+
+/** The names of the data sets that the engine knows, and their count. The caller frees with FreeStringArray. */
+KOVADX_API int GetKovaDatasets(char*** names, int* count);
+
+/** The names of the data sets that are open, and their count. The caller frees with FreeStringArray. */
+KOVADX_API int GetOpenedKovaDatasets(char*** names, int* count);
+
+/** The number of cases. */
+KOVADX_API int GetCaseCountInDS(const char* dataSet, int* errorCode);
+
+/** The first 8-byte unit of a variable within a case. */
+KOVADX_API int GetVarObsIndex(const char* dataSet, int index, int* errorCode);
+
+/** What the engine knows of trends in the data set, as a number of its own. The code is 17, and nothing is sent, when
+ * the engine is not running. */
+KOVADX_API int GetTrendsInfoInDS(const char* dataSet, int* errorCode);
+
+/** Has the engine keep the data of a data set at hand, or not any more; what the flag means is the engine's affair. */
+KOVADX_API int SetCacheInDS(const char* dataSet, int flag);
+
+/** Stores a number other than 0 when the engine wants data to be kept at hand. */
+KOVADX_API int IsNeedCache(int* isNeed);
+
+/** Has the engine save data in a temporary file of that name. `*result` receives the code that is returned, whatever it
+ * is; what the flag means is the engine's affair. */
+KOVADX_API int SaveDataToTempFile(const char* fileName, int* result, int flag);
+
+/** Has the engine take that many rows from a temporary file, from `firstRow` on. */
+KOVADX_API int GetDataFromTempFile(const char* fileName, int firstRow, int rowCount);
+
+/** The number of rows in the temporary file. */
+KOVADX_API int GetRowCountInTempFile(int* errorCode);
+
+/** Begins to copy the file `source` to the place of the file `target`, and removes `source` afterwards when `flag` is
+ * true. Returns at once, before that is done; a failure is written into the trace file. The end of the process waits
+ * for what is under way. A local function: 0, 17 when the engine is not running, or 8. */
+KOVADX_API int TransportData(const char* source, const char* target, bool flag);
+
+/** @} */
+
+/** @defgroup cells Cells of a data set
+ *
+ * A cell is addressed by the data set's name, its row and its column, the position of the variable, each from 0. A cell
+ * of a numeric variable is a number, one of a text variable a text; `*isMissing` receives a number other than 0 when
+ * the value is missing.
+ *
+ * Three ways lead to a cell. The plain functions ask the engine each time. The functions with Cache, Batch or Optimize
+ * read from the rows that FetchDatastep has fetched, and know nothing of what has happened to them since:
+ * ClearDatastepBatch drops them. The functions with FromCache, in the group of the data step, read and write the one
+ * case that GetCaseValue has read.
+ *
+ * Status shape for numbers. Texts have the value shape, and but for that of GetCCellValue they are the caller's own and
+ * go back with FreeString. The local functions give the code 10 when there are no such rows or there is no such cell.
+ *
+ * @{
+ */
+
+/** The number in a cell, from the engine. */
+KOVADX_API int GetNCellValue(const char* dataSet, int row, int column, double* value, int* isMissing);
+
+/** The text in a cell, from the engine. Library-owned, as texts of the value shape are. */
+KOVADX_API const char* GetCCellValue(const char* dataSet, int row, int column, int* isMissing, int* errorCode);
+
+/** The number in a cell of the rows that were fetched last, of whatever data set. A local function: 0 or 10. */
+KOVADX_API int GetNCellValueCache(const char* dataSet, int row, int column, double* value, int* isMissing);
+
+/** The text in a cell of the rows that were fetched last, of whatever data set. The caller frees with FreeString. A
+ * local function: 0, 8 or 10. */
+KOVADX_API char* GetCCellValueCache(const char* dataSet, int row, int column, int* isMissing, int* errorCode);
+
+/** As GetNCellValueCache, from rows of the caller's own: `batch` is a DatastepSmb of the C++ interface, which stays the
+ * caller's. */
+KOVADX_API int GetNCellValueBatch(void* batch, const char* dataSet, int row, int column, double* value, int* isMissing);
+
+/** As GetCCellValueCache, from rows of the caller's own. */
+KOVADX_API char* GetCCellValueBatch(void* batch, const char* dataSet, int row, int column, int* isMissing,
+                                    int* errorCode);
+
+/** The number in a cell. When the rows that were fetched last are not the data set's or have not this row, 1000 rows
+ * are fetched from it on; the codes are then those of FetchDatastep too. */
+KOVADX_API int GetNCellValueOptimize(const char* dataSet, int row, int column, double* value, int* isMissing);
+
+/** The text in a cell, by way of GetNCellValueOptimize. The caller frees with FreeString. */
+KOVADX_API char* GetCCellValueOptimize(const char* dataSet, int row, int column, int* isMissing, int* errorCode);
+
+/** What the engine told of the rows from `firstRow` on: its first, its last number but one, and its last, which are the
+ * first row, the number of rows and the number of columns; 0 for one that it left out. The rows are fetched unless
+ * those fetched last have them all; the codes are then those of FetchDatastep too. A negative number of rows counts as
+ * 0. 10 for a negative row. */
+KOVADX_API int GetRowList(const char* dataSet, int firstRow, int rowCount, int* firstValue, int* nextToLastValue,
+                          int* lastValue);
+
+/** Keeps a number for a cell, to be sent by CommitDataSet. A local function: 0, 17 when the engine is not running,
+ * or 8.
+ */
+KOVADX_API int SetNCellValue(const char* dataSet, int row, int column, double value);
+
+/** Keeps a text for a cell, as SetNCellValue keeps a number; null counts as empty. */
+KOVADX_API int SetCCellValue(const char* dataSet, int row, int column, const char* value);
+
+/** Sends the numbers and texts that SetNCellValue and SetCCellValue have kept, in one message. On success they are
+ * forgotten, otherwise they stay to be sent again. CloseDataset and EndDataStep do so by themselves. */
+KOVADX_API int CommitDataSet(void);
+
+/** @} */
+
+/** @defgroup data_step Data step
+ *
+ * Between StartDataStep and EndDataStep several data sets may be read and changed case by case and variable by
+ * variable. Status shape, but for the functions with an error code as their last parameter, which have the value shape.
+ *
+ * For each data set that is touched in the step this side keeps a record: the types of its variables and one case, the
+ * one that GetCaseValue has read last. The first GetCaseValue and the first function with FromCache makes it and asks
+ * the engine for the length of a case, the number of variables and their types, one question each; the code is that of
+ * a question that fails. The record follows InsertVariable, DeleteVariable and SetVarTypeInDS once the engine has
+ * accepted them; its case is then empty, to be read again. EndDataStep destroys all records.
+ *
+ * A case is a run of 8-byte units: one for a number, (width + 7) / 8 for a text, but at least one, padded with blanks.
+ *
+ * @{
+ */
+
+/** Begins a data step. */
+KOVADX_API int StartDataStep(void);
+
+/** Ends the data step. Changes of cells that are pending are sent first; a failure to do so is not told, and keeps
+ * them. Rows that were fetched are dropped whatever the engine answers, the records when it succeeds. */
+KOVADX_API int EndDataStep(void);
+
+/** Fetches rows of a data set, from `firstRow` on and at most `rowCount`, in place of those fetched before; these are
+ * kept on failure. `*result` receives the first number that the engine tells of them, which is the first row. The
+ * functions with Cache and Optimize read their cells. */
+KOVADX_API int FetchDatastep(const char* dataSet, int firstRow, int rowCount, int* result);
+
+/** Drops the rows that were fetched last. A local function. Always 0. */
+KOVADX_API int ClearDatastepBatch(void);
+
+/** The names of the data sets of the data step, and their count. The caller frees with FreeStringArray. */
+KOVADX_API int GetDatastepDatasets(char*** names, int* count);
+
+/** Inserts an empty case before the case `caseIndex`. */
+KOVADX_API int InsertCase(const char* dataSet, int caseIndex);
+
+/** Deletes a case. */
+KOVADX_API int DeleteCase(const char* dataSet, int caseIndex);
+
+/** Inserts a variable before the one at position `index`; its type is 0 for a number, else the width of its texts in
+ * bytes. */
+KOVADX_API int InsertVariable(const char* dataSet, int index, const char* name, int type);
+
+/** Deletes a variable with its data. */
+KOVADX_API int DeleteVariable(const char* dataSet, int index);
+
+/** Moves a variable from one position to another. The data set's record does not follow. */
+KOVADX_API int MoveVariables(const char* dataSet, int fromIndex, int toIndex);
+
+/** Reads a case into the data set's record and stores where its bytes lie; the result is their number. They are the
+ * library's own, valid until the record changes, and are never freed. What the flag means is the engine's affair. Null
+ * and 0, the record as it was, when the engine sends no bytes.
+ *
+ * Outside a data step there are no records: the bytes are then valid until the next such call, and serve nothing else.
+ */
+KOVADX_API int GetCaseValue(const char* dataSet, int caseIndex, int flag, void** record, int* errorCode);
+
+/** Sends the bytes of a case: the first `size` bytes of `block`. None are sent when `block` is null or `size` is
+ * below 1. What the flag means is the engine's affair. */
+KOVADX_API int SetCaseValue(const char* dataSet, int caseIndex, int flag, const void* block, int size);
+
+/** Sends the bytes of a part of a case, as SetCaseValue those of a whole one; the part is told by three numbers, whose
+ * meaning is the engine's affair. When `block` is null, the case in the data set's record is sent in its place. */
+KOVADX_API int SetCasePartValue(const char* dataSet, int caseIndex, int flag, int part1, int part2, int part3,
+                                const void* block, int size);
+
+/** What the data set's record says of a variable: its type, the first unit of its cell within a case, and the number of
+ * its units. A local function: 0, or 10 when there is no record or no such variable. */
+KOVADX_API int GetVarInfo(const char* dataSet, int index, int* type, int* obsIndex, int* obsLength);
+
+/** The type of a variable in the data set's record. A local function: 0, or 10 when there is no record or no such
+ * variable. */
+KOVADX_API int GetVarTypeInDSCache(const char* dataSet, int index, int* errorCode);
+
+/** The number in a cell of the case in the data set's record; `*isMissing` receives 1 for the system-missing value,
+ * else 0. 10 when there is no record or no such cell, 56 when the variable is a text. */
+KOVADX_API int GetNCellValueFromCache(const char* dataSet, int column, double* value, int* isMissing);
+
+/** The text in a cell of the case in the data set's record, as wide as the variable. The caller frees with FreeString.
+ * 10 when there is no record or no such cell, 57 when the variable is a number. */
+KOVADX_API char* GetCCellValueFromCache(const char* dataSet, int column, int* errorCode);
+
+/** Writes a number into a cell of the case in the data set's record; SetCasePartValue can send that case. 10 when there
+ * is no record or no such cell, 57 when the variable is a text. */
+KOVADX_API int SetNCellValueFromCache(const char* dataSet, int column, double value);
+
+/** Writes a text into a cell of the case in the data set's record, padded with blanks or cut to its units; null counts
+ * as empty. 10 when there is no record or no such cell.
+ *
+ * Deliberate: a numeric variable is not refused, its unit takes the first 8 bytes of the text. */
+KOVADX_API int SetCCellValueFromCache(const char* dataSet, int column, const char* value);
 
 /** @} */
 

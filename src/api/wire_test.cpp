@@ -15,8 +15,8 @@ constexpr std::size_t kHeaderBytes = 12;
 
 std::vector<Row> allRows() {
   std::vector<Row> rows;
-  for (const auto& family :
-       {controlRows, dictionaryRows, dictionaryInDataSetRows, procedureRows, pivotTableRows, documentRows}) {
+  for (const auto& family : {caseCursorRows, controlRows, dataSetRows, dataStepRows, dictionaryRows,
+                             dictionaryInDataSetRows, procedureRows, pivotTableRows, documentRows}) {
     for (Row& row : family()) rows.push_back(std::move(row));
   }
   return rows;
@@ -29,6 +29,9 @@ class Wire : public ClientTest, public testing::WithParamInterface<Row> {
   // What the call comes to with that code; a function without one shows only its results.
   Outcome Success() const { return {0, GetParam().onReply}; }
   Outcome Failure(int code) const { return {GetParam().shape.hasCode ? code : 0, GetParam().onFailure}; }
+
+  // A function that needs another reply behind one that was cut short finds nobody there.
+  bool TakesCutReplies() const { return GetParam().shape.readsEngineCode && !GetParam().failsWithLater; }
 };
 
 TEST_P(Wire, SendsItsItemsAndUnpacksTheReply) {
@@ -37,6 +40,7 @@ TEST_P(Wire, SendsItsItemsAndUnpacksTheReply) {
   std::vector<kit::Bytes> expected;
   for (const WireImage& earlier : GetParam().earlier) expected.push_back(earlier.bytes());
   expected.push_back(GetParam().request.bytes());
+  for (const WireImage& later : GetParam().later) expected.push_back(later.bytes());
   EXPECT_EQ(Requests(), expected);
   EXPECT_EQ(KovaLastReceiveStatus(), 0);
 }
@@ -64,8 +68,7 @@ TEST_P(Wire, TakesAReplyThatIsCutBehindItsHeaderForAnEmptyOne) {
   kit::Bytes cut = GetParam().reply.bytes();
   cut.resize(kHeaderBytes);
   StartEngine([&](const kit::Bytes&) { return Answer{cut, true}; });
-  const bool readsEngineCode = GetParam().shape.readsEngineCode;
-  EXPECT_EQ(Call(), readsEngineCode ? (Outcome{0, GetParam().onEmpty}) : Failure(kPeerGone));
+  EXPECT_EQ(Call(), TakesCutReplies() ? (Outcome{0, GetParam().onEmpty}) : Failure(kPeerGone));
   EXPECT_EQ(KovaLastReceiveStatus(), kPeerGone);
 }
 
@@ -77,7 +80,7 @@ TEST_P(Wire, EndsWithAReplyThatIsCutAnywhere) {
     EndConversation();
     StartEngine([&](const kit::Bytes&) { return Answer{cut, true}; });
     const Outcome outcome = Call();
-    EXPECT_EQ(outcome.code, GetParam().shape.readsEngineCode ? 0 : Failure(kPeerGone).code);
+    EXPECT_EQ(outcome.code, TakesCutReplies() ? 0 : Failure(kPeerGone).code);
     EXPECT_EQ(KovaLastReceiveStatus(), kPeerGone);
   }
 }
@@ -108,11 +111,42 @@ INSTANTIATE_TEST_SUITE_P(Functions, Wire, testing::ValuesIn(allRows()),
 
 // The functions of the header that send nothing, or only what another one sends.
 const std::set<std::string> kLocal = {
-    "FreeAttributeNames", "FreeAttributes",      "FreeCValueLabels",     "FreeDoubleArray",
-    "FreeNValueLabels",   "FreeString",          "FreeStringArray",      "GetRTempFolderToKOVA",
-    "GetStringFromList",  "GetStringListLength", "RecordBrowserOutput",  "RemoveStringList",
-    "SaveFileInDS",       "SetKovaRunning",      "SetRTempFolderToKOVA", "SetRecordBrowserOutput",
+    "ClearDatastepBatch",
+    "FreeAttributeNames",
+    "FreeAttributes",
+    "FreeCValueLabels",
+    "FreeDoubleArray",
+    "FreeNValueLabels",
+    "FreeString",
+    "FreeStringArray",
+    "GetCCellValueBatch",
+    "GetCCellValueCache",
+    "GetCCellValueFromCache",
+    "GetCCellValueOptimize",
+    "GetNCellValueBatch",
+    "GetNCellValueCache",
+    "GetNCellValueFromCache",
+    "GetNCellValueOptimize",
+    "GetRTempFolderToKOVA",
+    "GetRowList",
+    "GetStringFromList",
+    "GetStringListLength",
+    "GetVarInfo",
+    "GetVarTypeInDSCache",
+    "RecordBrowserOutput",
+    "RemoveStringList",
+    "SaveFileInDS",
+    "SetCCellValue",
+    "SetCCellValueFromCache",
+    "SetKovaRunning",
+    "SetNCellValue",
+    "SetNCellValueFromCache",
+    "SetRTempFolderToKOVA",
+    "SetRecordBrowserOutput",
+    "SetValueChar",
+    "SetValueNumeric",
     "SetXNameAndSHome",
+    "TransportData",
 };
 
 // The name of each declaration: the last word before its first bracket.
@@ -127,66 +161,17 @@ std::set<std::string> functionsOfHeader() {
   return names;
 }
 
+// Commands that a function sends beside that of its row; case_cursor_test.cpp has their bytes.
+const std::set<std::string> kSecondCommands = {"NextCaseBatch"};
+
 // Commands whose functions are not there yet; a function that comes takes its name out.
 const std::set<std::string> kToCome = {
-    "AllocNewVarsBuffer",
-    "CloseDataset",
-    "CommitCaseRecord",
-    "CommitDataSet",
-    "CommitHeader",
-    "CommitManyCases",
-    "CommitNewCase",
-    "CopyDataset",
-    "CreateDataset",
-    "DeleteCase",
-    "DeleteVariable",
-    "EndChanges",
-    "EndDataStep",
-    "FetchDatastep",
-    "GetActive",
-    "GetCCellValue",
-    "GetCaseCountInDS",
-    "GetCaseLength",
-    "GetCaseValue",
-    "GetCursorPosition",
-    "GetDataFromTempFile",
-    "GetDatastepDatasets",
-    "GetKovaDatasets",
-    "GetNCellValue",
-    "GetNewDatasetName",
-    "GetNumericValue",
-    "GetOpenedKovaDatasets",
-    "GetRowCountInProcDS",
-    "GetRowCountInTempFile",
-    "GetSelectedRowCountInProcDS",
-    "GetStringValue",
-    "GetTrendsInfoInDS",
-    "GetVarObsIndex",
-    "HasCursor",
-    "InsertCase",
-    "InsertVariable",
-    "IsEndSplit",
-    "IsNeedCache",
-    "MakeCaseCursor",
-    "MoveVariables",
-    "NextCase",
-    "NextCaseBatch",
-    "RemoveCaseCursor",
-    "ResetDataPass",
-    "SaveDataToTempFile",
-    "SetActive",
-    "SetCacheInDS",
-    "SetCasePartValue",
-    "SetCaseValue",
-    "SetDatasetName",
-    "SetOneVarNameAndType",
-    "SetVarNameAndType",
-    "StartDataStep",
     "StopKova",
 };
 
 TEST(WireTable, HasEveryCommand) {
   std::set<std::string> known = kToCome;
+  known.insert(kSecondCommands.begin(), kSecondCommands.end());
   for (const Row& row : allRows()) EXPECT_TRUE(known.insert(row.function).second) << row.function << " is there";
   std::set<std::string> commands;
 #define KOVA_COMMAND(code, name, request, reply) commands.insert(#name);
@@ -204,12 +189,14 @@ TEST(WireTable, HasEveryFunctionOfTheHeader) {
 // The letters of commands.def for the items of an image, in the order in which the kinds stand in a message.
 std::string lettersOf(const WireImage& image) {
   return std::string(image.longs.size(), 'l') + std::string(image.doubles.size(), 'd') +
-         std::string(image.texts.size(), 's') + std::string(image.lists.size(), 'S') +
-         std::string(image.binary.empty() ? 0 : 1, 'B') + std::string(image.wide.empty() ? 0 : 1, 'w');
+         std::string(image.texts.size(), 's') + std::string(image.cells.size(), 'c') +
+         std::string(image.longLists.size(), 'L') + std::string(image.doubleLists.size(), 'D') +
+         std::string(image.lists.size(), 'S') + std::string(image.binary.empty() ? 0 : 1, 'B') +
+         std::string(image.wide.empty() ? 0 : 1, 'w') + std::string(image.block.empty() ? 0 : 1, 'b');
 }
 
 std::string inMessageOrder(std::string letters) {
-  const std::string order = "ldsSBw";
+  const std::string order = "ldscLDSBwb";
   std::stable_sort(letters.begin(), letters.end(),
                    [&](char left, char right) { return order.find(left) < order.find(right); });
   return letters;

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "message/DoubleData.h"
@@ -116,6 +117,8 @@ class KOVADX_API CleXDSmb {
   kova::WideUnit* GetwStringData() const;
   // The void data, or null, and its length.
   void* GetVoidData(int& length) const;
+  // Hands the void data over without a copy; the message has none then.
+  kova::VoidData TakeVoidData() { return std::move(voidData_); }
 
   // The same slots without a copy.
   const LongData& Longs() const { return longs_; }

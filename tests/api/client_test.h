@@ -4,15 +4,20 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "api/InitDxGlobal.h"
+#include "api/client_cursor.h"
 #include "api/client_state.h"
+#include "api/data_set_caches.h"
 #include "api/kovadx.h"
 #include "api/kovadx_ext.h"
+#include "api/new_values.h"
+#include "message/dataSet.h"
 #include "tests/kit/scripted_engine.h"
 #include "tests/os_fake/os_fake.h"
 #include "tests/transport/traced_test.h"
@@ -26,29 +31,32 @@ struct WireImage {
   std::vector<std::int32_t> longs = {};
   std::vector<double> doubles = {};
   std::vector<std::string> texts = {};
+  std::vector<dataSet> cells = {};
+  std::vector<std::vector<std::int32_t>> longLists = {};
+  std::vector<std::vector<double>> doubleLists = {};
   std::vector<std::vector<std::string>> lists = {};
   std::string binary = {};
   std::u16string wide = {};
+  std::string block = {};
 
   kit::Bytes bytes() const {
     kit::Bytes out;
     put(out, code);
     put(out, error);
-    put(out, size(longs));
-    for (const std::int32_t value : longs) put(out, value);
-    put(out, size(doubles));
-    for (const double value : doubles) put(out, std::bit_cast<std::uint64_t>(value));
+    putNumbers(out, longs);
+    putDoubles(out, doubles);
     putTexts(out, texts);
-    put(out, 0);  // Cell updates.
-    put(out, 0);  // Integer arrays.
-    put(out, 0);  // Double arrays.
+    putCells(out);
+    put(out, size(longLists));
+    for (const auto& list : longLists) putNumbers(out, list);
+    put(out, size(doubleLists));
+    for (const auto& list : doubleLists) putDoubles(out, list);
     put(out, size(lists));
     for (const auto& list : lists) putTexts(out, list);
-    put(out, size(binary));
-    out.insert(out.end(), binary.begin(), binary.end());
+    putBytes(out, binary);
     put(out, size(wide));
     for (const char16_t unit : wide) put(out, static_cast<std::uint16_t>(unit));
-    put(out, 0);  // Void data.
+    putBytes(out, block);
     kit::Bytes whole;
     put(whole, static_cast<std::int32_t>(out.size()) + 4);
     whole.insert(whole.end(), out.begin(), out.end());
@@ -68,11 +76,33 @@ struct WireImage {
     }
   }
 
+  static void putNumbers(kit::Bytes& out, const std::vector<std::int32_t>& numbers) {
+    put(out, size(numbers));
+    for (const std::int32_t value : numbers) put(out, value);
+  }
+
+  static void putDoubles(kit::Bytes& out, const std::vector<double>& numbers) {
+    put(out, size(numbers));
+    for (const double value : numbers) put(out, std::bit_cast<std::uint64_t>(value));
+  }
+
+  static void putBytes(kit::Bytes& out, const std::string& bytes) {
+    put(out, size(bytes));
+    out.insert(out.end(), bytes.begin(), bytes.end());
+  }
+
   static void putTexts(kit::Bytes& out, const std::vector<std::string>& texts) {
     put(out, size(texts));
-    for (const std::string& text : texts) {
-      put(out, size(text));
-      out.insert(out.end(), text.begin(), text.end());
+    for (const std::string& text : texts) putBytes(out, text);
+  }
+
+  void putCells(kit::Bytes& out) const {
+    put(out, size(cells));
+    for (const dataSet& cell : cells) {
+      putBytes(out, cell.datasetName);
+      for (const std::int32_t number : {cell.caseIndex, cell.varIndex, cell.valueKind}) put(out, number);
+      put(out, std::bit_cast<std::uint64_t>(cell.numValue));
+      putBytes(out, cell.strValue);
     }
   }
 };
@@ -94,11 +124,14 @@ class ClientTest : public TracedTest {
 
   ~ClientTest() override {
     EndConversation();
+    ForgetDataSets();
     SetKovaRunning(false);
     SetXNameAndSHome(nullptr, nullptr);
     SetRecordBrowserOutput(nullptr, false);
     DropSharedText();
     DropWideText();
+    DropClientCursor();
+    TheNewValues().clear();
   }
 
   // Starts an engine that gives each request the answer that `script` makes.
@@ -119,6 +152,19 @@ class ClientTest : public TracedTest {
   }
 
   std::vector<kit::Bytes> Requests() const { return engine_->received(); }
+
+  // The command codes of the requests so far.
+  std::vector<int> RequestCodes() const {
+    std::vector<int> codes;
+    for (const kit::Bytes& request : Requests()) codes.push_back(CodeOf(request));
+    return codes;
+  }
+
+  static std::int32_t CodeOf(const kit::Bytes& request) {
+    std::int32_t code = 0;
+    std::memcpy(&code, request.data() + sizeof code, sizeof code);
+    return code;
+  }
 
   // How often the client or the engine has called that function of the seam for that pipe.
   static std::ptrdiff_t CallsFor(const std::string& function, const std::string& pipe) {

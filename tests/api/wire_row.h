@@ -193,7 +193,9 @@ struct Row {
   std::string onReply = {};             // and its results.
   std::string onEmpty = {};             // The results of a reply without any item,
   std::string onFailure = {};           // and those of a call that failed.
-  std::vector<WireImage> earlier = {};  // Requests before the row's own.
+  std::vector<WireImage> earlier = {};  // Requests before the row's own,
+  std::vector<WireImage> later = {};    // and behind it, when that has succeeded.
+  bool failsWithLater = false;          // Whether the call fails when a later one does.
 };
 
 inline Row makeRow(const char* function, Shape shape, std::function<Outcome()> call, WireImage request, WireImage reply,
@@ -205,6 +207,18 @@ inline Row makeRow(const char* function, Shape shape, std::function<Outcome()> c
 inline Row behind(WireImage earlier, Row row) {
   row.earlier.push_back(std::move(earlier));
   return row;
+}
+
+// A function that sends another request once its own has succeeded.
+inline Row before(WireImage later, Row row) {
+  row.later.push_back(std::move(later));
+  return row;
+}
+
+// The same, and the function fails when that request does.
+inline Row needs(WireImage later, Row row) {
+  row.failsWithLater = true;
+  return before(std::move(later), std::move(row));
 }
 
 // Status shape, nothing but a code.
@@ -287,7 +301,10 @@ inline Row tellsResponseSet(const char* function, std::function<Outcome()> call,
 }
 
 // The rows of each family.
+std::vector<Row> caseCursorRows();
 std::vector<Row> controlRows();
+std::vector<Row> dataSetRows();
+std::vector<Row> dataStepRows();
 std::vector<Row> dictionaryRows();
 std::vector<Row> dictionaryInDataSetRows();
 std::vector<Row> procedureRows();

@@ -80,6 +80,37 @@ TEST_F(Files, AreWrittenAppendedToAndReadMeanwhile) {
   EXPECT_FALSE(os::FileExists(path));
 }
 
+TEST_F(Files, HoldWhatWasWrittenAndSynced) {
+  const std::string path = kit::scratchPath("written.txt");
+  std::FILE* writer = openOrFail(path, "wb");
+  EXPECT_EQ(os::WriteStream(writer, "one two", 3), os::kSuccess);
+  EXPECT_EQ(contentOf(path), "one") << "while it is open";
+  EXPECT_EQ(os::WriteStream(writer, "", 0), os::kSuccess);
+  EXPECT_EQ(os::SyncStream(writer), os::kSuccess);
+  std::fclose(writer);
+  std::FILE* reader = openOrFail(path, "rb");
+  EXPECT_NE(os::WriteStream(reader, "x", 1), os::kSuccess) << "a stream for reading";
+  std::fclose(reader);
+  EXPECT_EQ(contentOf(path), "one");
+  EXPECT_EQ(os::DeletePlainFile(path), os::kSuccess);
+}
+
+TEST_F(Files, AreMovedOverOthers) {
+  const std::string from = kit::scratchPath("from.txt");
+  const std::string to = kit::scratchPath("to.txt");
+  for (const std::string& path : {from, to}) {
+    std::FILE* writer = openOrFail(path, "w");
+    std::fputs(path == from ? "new" : "old", writer);
+    std::fclose(writer);
+  }
+  EXPECT_EQ(os::MoveFileOver(from, to), os::kSuccess);
+  EXPECT_EQ(contentOf(to), "new");
+  EXPECT_FALSE(os::FileExists(from));
+  EXPECT_EQ(os::MoveFileOver(from, to), os::kFileNotFound);
+  EXPECT_EQ(contentOf(to), "new") << "nothing changes on a failure";
+  EXPECT_EQ(os::DeletePlainFile(to), os::kSuccess);
+}
+
 TEST_F(Files, ThatAreAbsentGive2) {
   const std::string path = kit::scratchPath("absent.txt");
   Error error = os::kSuccess;
@@ -96,6 +127,55 @@ TEST_F(Files, AFolderIsThereButNoPlainFile) {
   EXPECT_TRUE(os::FileExists(folder));
   EXPECT_EQ(os::DeletePlainFile(folder), os::kAccessDenied);
   EXPECT_TRUE(os::FileExists(folder));
+  std::filesystem::remove(folder);
+}
+
+void write(const std::string& path, const std::string& content) {
+  std::FILE* file = openOrFail(path, "w");
+  if (file == nullptr) return;
+  std::fputs(content.c_str(), file);
+  std::fclose(file);
+}
+
+TEST_F(Files, AreCopiedInPlaceOfWhatIsThere) {
+  const std::string source = kit::scratchPath("source.txt");
+  const std::string target = kit::scratchPath("target.txt");
+  write(source, "one");
+  EXPECT_EQ(os::CopyPlainFile(source, target), os::kSuccess);
+  EXPECT_EQ(contentOf(target), "one");
+  write(source, "2");
+  EXPECT_EQ(os::CopyPlainFile(source, target), os::kSuccess);
+  EXPECT_EQ(contentOf(target), "2");
+  EXPECT_EQ(contentOf(source), "2");
+  os::DeletePlainFile(source);
+  os::DeletePlainFile(target);
+}
+
+TEST_F(Files, AreNotCopiedFromNowhereNorToNowhereNorToThemselves) {
+  const std::string source = kit::scratchPath("source.txt");
+  const std::string target = kit::scratchPath("target.txt");
+  write(target, "kept");
+  EXPECT_EQ(os::CopyPlainFile(source, target), os::kFileNotFound);
+  EXPECT_EQ(os::CopyPlainFile("", target), os::kFileNotFound);
+  EXPECT_EQ(contentOf(target), "kept");
+  write(source, "one");
+  EXPECT_NE(os::CopyPlainFile(source, kit::scratchPath("absent") + "/file.txt"), os::kSuccess);
+  EXPECT_NE(os::CopyPlainFile(source, ""), os::kSuccess);
+  EXPECT_NE(os::CopyPlainFile(source, source), os::kSuccess);
+  EXPECT_EQ(contentOf(source), "one");
+  os::DeletePlainFile(source);
+  os::DeletePlainFile(target);
+}
+
+TEST_F(Files, AFolderIsNoFileToCopy) {
+  const std::string folder = kit::scratchPath("folder");
+  const std::string target = kit::scratchPath("target.txt");
+  std::filesystem::create_directory(folder);
+  EXPECT_NE(os::CopyPlainFile(folder, target), os::kSuccess);
+  EXPECT_FALSE(os::FileExists(target));
+  write(target, "one");
+  EXPECT_NE(os::CopyPlainFile(target, folder), os::kSuccess);
+  os::DeletePlainFile(target);
   std::filesystem::remove(folder);
 }
 

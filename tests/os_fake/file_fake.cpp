@@ -19,6 +19,7 @@ namespace {
 struct Paths {
   std::string program = "/fake/program.exe";
   std::string module = "/fake/module";
+  bool holdsCopies = false;
 };
 
 Paths& paths() {
@@ -51,6 +52,27 @@ std::FILE* OpenFile(const std::string& path, const char* mode, Error* error) {
   return file;
 }
 
+Error WriteStream(std::FILE* stream, const void* bytes, std::size_t size) {
+  const Call call("WriteStream");
+  if (call.failure()) return *call.failure();
+  return std::fwrite(bytes, 1, size, stream) == size && std::fflush(stream) == 0 ? kSuccess : kGeneralFailure;
+}
+
+Error SyncStream(std::FILE* stream) {
+  const Call call("SyncStream");
+  if (call.failure()) return *call.failure();
+  return std::fflush(stream) == 0 ? kSuccess : kGeneralFailure;
+}
+
+Error MoveFileOver(const std::string& from, const std::string& to) {
+  const Call call("MoveFileOver", from.c_str());
+  if (call.failure()) return *call.failure();
+  std::error_code error;
+  std::filesystem::rename(NativePath(from), NativePath(to), error);
+  if (!error) return kSuccess;
+  return error == std::errc::no_such_file_or_directory ? kFileNotFound : kAccessDenied;
+}
+
 bool FileExists(const std::string& path) {
   const Call call("FileExists", path.c_str());
   std::error_code ignored;
@@ -66,6 +88,17 @@ Error DeletePlainFile(const std::string& path) {
   if (!std::filesystem::exists(status)) return kFileNotFound;
   if (!std::filesystem::is_regular_file(status)) return kAccessDenied;
   return std::filesystem::remove(native, ignored) ? kSuccess : kAccessDenied;
+}
+
+Error CopyPlainFile(const std::string& source, const std::string& target) {
+  Call call("CopyPlainFile", source.c_str());
+  if (call.failure()) return *call.failure();
+  call.wait([] { return !paths().holdsCopies; });
+  std::error_code code;
+  const std::string native = NativePath(source);
+  if (!std::filesystem::exists(native, code)) return kFileNotFound;
+  std::filesystem::copy_file(native, NativePath(target), std::filesystem::copy_options::overwrite_existing, code);
+  return code ? kGeneralFailure : kSuccess;
 }
 
 std::string ProgramPath() {
@@ -87,6 +120,12 @@ void resetFiles() { os::paths() = os::Paths{}; }
 void setProgramPath(const std::string& path) {
   const std::lock_guard<std::mutex> lock(kernel().mutex);
   os::paths().program = path;
+}
+
+void holdCopies(bool hold) {
+  const std::lock_guard<std::mutex> lock(kernel().mutex);
+  os::paths().holdsCopies = hold;
+  Call::notify();
 }
 
 void setModulePath(const std::string& path) {

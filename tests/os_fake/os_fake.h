@@ -85,6 +85,11 @@ bool endProgram(std::uint32_t processId, int exitCode);
 // Does what the user's Ctrl-C does: calls the handler of SetEndRequestHandler on this thread. False when there is none.
 bool requestEnd();
 
+// ---- Files.
+
+// While it is told so, every copy of a file waits before it begins.
+void holdCopies(bool hold);
+
 // ---- This process.
 
 void setProcessId(std::uint32_t processId);  // 0x1234 after reset.

@@ -6,9 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 #include "platform/posix/error_posix.h"
 
@@ -27,6 +30,9 @@ std::string resolved(const char* path) {
   return full ? full.get() : std::string();
 }
 
+// A stream that is not open for writing fails without a number.
+Error errorOfStream() { return errno == 0 ? kGeneralFailure : lastError(); }
+
 }  // namespace
 
 std::string NativePath(const std::string& path) {
@@ -41,6 +47,23 @@ std::FILE* OpenFile(const std::string& path, const char* mode, Error* error) {
   return file;
 }
 
+Error WriteStream(std::FILE* stream, const void* bytes, std::size_t size) {
+  errno = 0;
+  const bool isWritten = std::fwrite(bytes, 1, size, stream) == size && std::fflush(stream) == 0;
+  return isWritten ? kSuccess : errorOfStream();
+}
+
+Error SyncStream(std::FILE* stream) {
+  errno = 0;
+  const bool isSynced = std::fflush(stream) == 0 && fsync(fileno(stream)) == 0;
+  return isSynced ? kSuccess : errorOfStream();
+}
+
+Error MoveFileOver(const std::string& from, const std::string& to) {
+  return orNoMemory(
+      [&] { return std::rename(NativePath(from).c_str(), NativePath(to).c_str()) == 0 ? kSuccess : lastError(); });
+}
+
 bool FileExists(const std::string& path) { return access(NativePath(path).c_str(), F_OK) == 0; }
 
 Error DeletePlainFile(const std::string& path) {
@@ -50,6 +73,15 @@ Error DeletePlainFile(const std::string& path) {
     if (lstat(native.c_str(), &status) != 0) return lastError();
     if (!S_ISREG(status.st_mode)) return kAccessDenied;
     return unlink(native.c_str()) == 0 ? kSuccess : lastError();
+  });
+}
+
+Error CopyPlainFile(const std::string& source, const std::string& target) {
+  return orNoMemory([&] {
+    std::error_code code;
+    std::filesystem::copy_file(NativePath(source), NativePath(target),
+                               std::filesystem::copy_options::overwrite_existing, code);
+    return errorOfErrno(code.value());
   });
 }
 

@@ -23,6 +23,13 @@ TEST(PosixFile, OpenedFilesCloseOnExec) {
   EXPECT_EQ(DeletePlainFile(path), kSuccess);
 }
 
+TEST(PosixFile, AFullDiskIsTold) {
+  std::FILE* file = OpenFile("/dev/full", "wb", nullptr);
+  ASSERT_NE(file, nullptr);
+  EXPECT_EQ(WriteStream(file, "x", 1), 112u);
+  std::fclose(file);
+}
+
 TEST(PosixFile, LinksAreNotFollowedByDelete) {
   const std::string path = kit::scratchPath("plain");
   const std::string link = kit::scratchPath("link");

@@ -26,8 +26,8 @@ std::string pathOfModule(HMODULE module) {
   return path;
 }
 
-// Why the C library could not open a file.
-Error errorOfOpen() { return _doserrno == 0 ? kGeneralFailure : static_cast<Error>(_doserrno); }
+// Why the C library could not open or write a file.
+Error errorOfStream() { return _doserrno == 0 ? kGeneralFailure : static_cast<Error>(_doserrno); }
 
 }  // namespace
 
@@ -37,11 +37,27 @@ std::FILE* OpenFile(const std::string& path, const char* mode, Error* error) {
   _doserrno = 0;
   std::FILE* const file = _fsopen(path.c_str(), mode, _SH_DENYNO);
   if (file == nullptr) {
-    if (error != nullptr) *error = errorOfOpen();
+    if (error != nullptr) *error = errorOfStream();
     return nullptr;
   }
   SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file))), HANDLE_FLAG_INHERIT, 0);
   return file;
+}
+
+Error WriteStream(std::FILE* stream, const void* bytes, std::size_t size) {
+  _doserrno = 0;
+  const bool isWritten = std::fwrite(bytes, 1, size, stream) == size && std::fflush(stream) == 0;
+  return isWritten ? kSuccess : errorOfStream();
+}
+
+Error SyncStream(std::FILE* stream) {
+  _doserrno = 0;
+  if (std::fflush(stream) != 0) return errorOfStream();
+  return resultOf(FlushFileBuffers(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)))));
+}
+
+Error MoveFileOver(const std::string& from, const std::string& to) {
+  return resultOf(MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH));
 }
 
 bool FileExists(const std::string& path) {
@@ -54,6 +70,12 @@ Error DeletePlainFile(const std::string& path) {
   if (attributes == INVALID_FILE_ATTRIBUTES) return lastError() == ERROR_PATH_NOT_FOUND ? kFileNotFound : lastError();
   if ((attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) != 0) return kAccessDenied;
   return resultOf(DeleteFileA(path.c_str()));
+}
+
+Error CopyPlainFile(const std::string& source, const std::string& target) {
+  if (isDeviceName(source) || isDeviceName(target)) return kFileNotFound;
+  const Error error = resultOf(CopyFileA(source.c_str(), target.c_str(), FALSE));
+  return error == ERROR_PATH_NOT_FOUND ? kFileNotFound : error;
 }
 
 std::string ProgramPath() { return pathOfModule(nullptr); }
