@@ -4,29 +4,10 @@
  *   kovadx run --data examples/penguins -- examples/penguins/describe
  */
 #include <stdio.h>
-#include <stdlib.h>
 
-#include "kovadx.h"
+#include "kova_engine.h"
 
 static const char* const kMeasures[] = {"unknown", "nominal", "ordinal", "scale"};
-
-/* Every call of the engine ends in a code; an example may simply stop at the first that is not 0. */
-static void check(int code, const char* call) {
-  if (code == 0) return;
-  fprintf(stderr, "describe: %s failed with code %d\n", call, code);
-  exit(1);
-}
-
-static void connectToEngine(void) {
-  const char* home = getenv("KOVA_HOME");
-  const char* name = getenv("KOVA_XNAME");
-  if (home == NULL || name == NULL) {
-    fprintf(stderr, "describe: no engine; start this program with: kovadx run --data FOLDER -- describe\n");
-    exit(1);
-  }
-  SetXNameAndSHome(name, home);
-  SetKovaRunning(true);
-}
 
 /* A text that the engine returns lives until the next one: it is printed at once. */
 static void printNameAndLabel(int variable) {
@@ -83,7 +64,7 @@ static void describeString(int variable) {
 
 int main(void) {
   int code = 0;
-  connectToEngine();
+  connectToEngine("describe");
   const int variables = GetVariableCount(&code);
   check(code, "GetVariableCount");
   const int cases = GetRowCount(&code);

@@ -41,6 +41,8 @@ PROTOTYPES = {
     "EndChanges": (c_int,),
     "RemoveCaseCursor": (c_int,),
     "SetVarLabel": (c_int, c_char_p, c_char_p),
+    "SetVarFormat": (c_int, c_char_p, c_int, c_int, c_int),
+    "SetVarMeasureLevel": (c_int, c_char_p, c_int),
     "SetVarNValueLabel": (c_int, c_char_p, c_double, c_char_p),
     "SaveDataToTempFile": (c_int, c_char_p, POINTER(c_int), c_int),
     "StartProcedure": (c_int, c_char_p, c_char_p),

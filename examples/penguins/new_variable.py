@@ -12,6 +12,7 @@ from ctypes import byref, c_int
 from kova_engine import Engine, EngineError
 
 MASS, HEAVY = "body_mass_g", "heavy"
+FORMAT_F, NOMINAL = 2, 1
 
 
 def masses_of(engine, mass):
@@ -38,6 +39,8 @@ def add_heavy(engine, masses, mean):
 
 def describe_heavy(engine, mean):
     engine.tell("SetVarLabel", HEAVY, f"Heavier than {mean:.2f} g")
+    engine.tell("SetVarFormat", HEAVY, FORMAT_F, 1, 0)
+    engine.tell("SetVarMeasureLevel", HEAVY, NOMINAL)
     engine.tell("SetVarNValueLabel", HEAVY, 0.0, "no")
     engine.tell("SetVarNValueLabel", HEAVY, 1.0, "yes")
 

@@ -70,8 +70,12 @@ class KovadxTest(unittest.TestCase):
         """Runs a program that leaves the data as they are, and saves them."""
         return self.kovadx("run", "--data", data, "--save", path, "--", *(program or [self.describe()]), **more)
 
+    def example(self, program):
+        """An example in C."""
+        return options.home / "examples" / "penguins" / (f"{program}.exe" if options.emulator else program)
+
     def describe(self):
-        return options.home / "examples" / "penguins" / ("describe.exe" if options.emulator else "describe")
+        return self.example("describe")
 
     def shell(self, posix, windows):
         return ["cmd", "/c", windows] if options.emulator else ["/bin/sh", "-c", posix]
