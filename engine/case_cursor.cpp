@@ -15,6 +15,7 @@ CaseCursor::CaseCursor(DataSet* dataSet, Access access)
       next_(access == Access::kAppend ? caseCount_ : selectedFrom(0)) {}
 
 ErrorCode CaseCursor::step() {
+  next_ = selectedFrom(next_);
   const ErrorCode code = codeAt(next_);
   current_.reset();
   if (code != ErrorCode::kNone) {
@@ -29,6 +30,7 @@ ErrorCode CaseCursor::step() {
 }
 
 CaseCursor::Batch CaseCursor::nextBatch(std::size_t most) {
+  next_ = selectedFrom(next_);
   current_.reset();
   if (next_ == caseCount_) return {next_, next_, 0, ErrorCode::kEndOfCases};
   beginGroup();
@@ -62,11 +64,13 @@ void CaseCursor::addTo(CleXDSmb* message, const Batch& batch) const {
   }
 }
 
-bool CaseCursor::isAtGroupEnd() const { return handedOut_ > 0 && (!groupEnd_ || codeAt(next_) != ErrorCode::kNone); }
+bool CaseCursor::isAtGroupEnd() const {
+  return handedOut_ > 0 && (!groupEnd_ || codeAt(selectedFrom(next_)) != ErrorCode::kNone);
+}
 
 std::size_t CaseCursor::groupEnd() const {
   if (groupEnd_) return *groupEnd_;
-  return endOfGroup(current_.value_or(next_));
+  return endOfGroup(current_ ? *current_ : selectedFrom(next_));
 }
 
 ErrorCode CaseCursor::codeAt(std::size_t position) const {

@@ -2,7 +2,8 @@
 //
 // The cases are those that were there when the pass began; cases that are added behind them are not visited. A split
 // divides them into groups; a pass comes to the end of each group and tells so once. Variables that are added behind
-// the others during the pass are no part of the cases that it hands out.
+// the others during the pass are no part of the cases that it hands out. Values may change meanwhile: whether a case is
+// selected counts when the pass comes to it.
 //
 // Held by the engine's state, for one conversation; the data set must outlive it. One thread at a time uses it.
 #ifndef KOVADX_ENGINE_CASE_CURSOR_H
@@ -50,7 +51,7 @@ class CaseCursor {
   };
   Batch nextBatch(std::size_t most);
 
-  // Puts the batch's cases into a message's raw block, one behind the other.
+  // Puts the batch's cases into a message's raw block, one behind the other; to be called before a value changes.
   void addTo(CleXDSmb* message, const Batch& batch) const;
 
   // The first selected case at a position or behind it, or caseCount().
@@ -72,7 +73,7 @@ class CaseCursor {
   CaseSelection selection_;
   std::size_t caseBytes_;
   std::size_t caseCount_;
-  std::size_t next_;                     // The next selected case, or caseCount_.
+  std::size_t next_;                     // The next case that was selected when it was looked for, or caseCount_.
   std::optional<std::size_t> groupEnd_;  // Of the group that was begun; nothing between two groups.
   std::optional<std::size_t> current_;
   std::size_t handedOut_ = 0;

@@ -122,6 +122,23 @@ TEST(CaseCursor, AGroupWithoutASelectedCaseIsNoGroup) {
   expectBatch(&cursor, 9, {2}, kEnd);
 }
 
+TEST(CaseCursor, HandsOutNoCaseThatIsNoLongerSelected) {
+  DataSet dataSet = dataSetOf({1, 2, 3, 4, 5, 6}, "AAAABB");
+  dataSet.filter = "value";
+  CaseCursor cursor(&dataSet, kRead);
+  expectBatch(&cursor, 1, {1}, kMore);
+  dataSet.cases.setNumber(1, 0, 0);
+  expectBatch(&cursor, 1, {3}, kMore);
+  dataSet.cases.setNumber(3, 0, 0);
+  EXPECT_TRUE(cursor.isAtGroupEnd());
+  expectBatch(&cursor, 9, {}, kGroup);
+  dataSet.cases.setNumber(4, 0, 0);
+  EXPECT_EQ(cursor.step(), kMore);
+  EXPECT_EQ(cursor.current(), 5U);
+  EXPECT_EQ(cursor.step(), kEnd);
+  EXPECT_EQ(cursor.handedOut(), 3U);
+}
+
 TEST(CaseCursor, WithoutCasesItIsAtTheEnd) {
   DataSet none = dataSetOf({});
   CaseCursor cursor(&none, kRead);

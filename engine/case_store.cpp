@@ -62,6 +62,7 @@ void CaseStore::insertCase(std::size_t position) {
 }
 
 void CaseStore::appendCases(const void* bytes, std::size_t count) {
+  if (count == 0) return;
   const std::size_t size = units_.size();
   units_.resize(size + count * caseUnits_);
   std::memcpy(units_.data() + size, bytes, count * caseBytes());

@@ -6,6 +6,7 @@
 #include "engine/case_values.h"
 #include "engine/data_pass_access.h"
 #include "engine/data_set_access.h"
+#include "engine/data_set_rules.h"
 #include "engine/missing_values.h"
 
 namespace kova::engine {
@@ -57,23 +58,26 @@ ErrorCode nextCase(EngineState& state, const CleXDSmb& /*request*/, CleXDSmb& /*
 // A batch is no larger than this, whatever is asked for; but it has one case at least.
 constexpr std::size_t kMostBatchBytes = std::size_t{64} << 20;
 
-void addBatch(CleXDSmb* reply, const CaseCursor& cursor, const CaseCursor::Batch& batch) {
-  cursor.addTo(reply, batch);
-  reply->SetLong(static_cast<int>(batch.count));
+bool hasBlock(const CleXDSmb& reply) {
+  int length = 0;
+  return reply.GetVoidData(length) != nullptr;
 }
 
-// The codes that tell of an end come with the batch.
+// The codes that tell of an end come with the batch. The pass stays where it is when there is no memory for one.
 ErrorCode nextCaseBatch(EngineState& state, const CleXDSmb& request, CleXDSmb& reply) {
   DataPass* pass = nullptr;
   const ErrorCode code = findPass(state, &pass);
   if (code != ErrorCode::kNone) return code;
   const int most = request.Longs()[0];
   const int caseBytes = request.Longs()[1];
-  CaseCursor& cursor = pass->cursor;
+  CaseCursor cursor = pass->cursor;
   if (most < 1 || static_cast<std::size_t>(caseBytes) != cursor.caseBytes()) return ErrorCode::kCaseSizeDiffers;
   const std::size_t fits = kMostBatchBytes / std::max<std::size_t>(cursor.caseBytes(), 1);
   const auto batch = cursor.nextBatch(std::clamp<std::size_t>(fits, 1, static_cast<std::size_t>(most)));
-  addBatch(&reply, cursor, batch);
+  cursor.addTo(&reply, batch);
+  if (batch.count > 0 && !hasBlock(reply)) return ErrorCode::kOutOfMemory;
+  reply.SetLong(static_cast<int>(batch.count));
+  pass->cursor = cursor;
   return batch.code;
 }
 
@@ -119,18 +123,25 @@ ErrorCode isEndSplit(EngineState& state, const CleXDSmb& /*request*/, CleXDSmb& 
   return code;
 }
 
-// The current case as it is now, in a block of the pass's layout.
+// Answers with the current case as it is then, in a block of the pass's layout, whether it is selected still or not.
+// There must be room for the block before anything changes.
 ErrorCode commitCaseRecord(EngineState& state, const CleXDSmb& request, CleXDSmb& reply) {
   DataPass* pass = nullptr;
   ErrorCode code = findChangingPass(state, &pass);
   if (code != ErrorCode::kNone) return code;
   if (!pass->cursor.current()) return ErrorCode::kNoCurrentCase;
   const std::size_t current = *pass->cursor.current();
+  DataSet& dataSet = pass->cursor.dataSet();
   CaseValues values;
-  code = readCaseValues(pass->cursor.dataSet(), request, &values);
+  code = readCaseValues(dataSet, request, &values);
   if (code != ErrorCode::kNone) return code;
-  values.writeTo(&pass->cursor.dataSet(), current);
-  addBatch(&reply, pass->cursor, {current, current + 1, 1, ErrorCode::kNone});
+  const std::size_t size = pass->cursor.caseBytes();
+  if (size > kMostCaseBytes) return ErrorCode::kOutOfMemory;
+  reply.AllocVoidData(static_cast<int>(size));
+  if (!hasBlock(reply)) return ErrorCode::kOutOfMemory;
+  values.writeTo(&dataSet, current);
+  reply.SaveDataIntoVoidData(dataSet.cases.caseAt(current), static_cast<int>(size));
+  reply.SetLong(1);
   return ErrorCode::kNone;
 }
 
@@ -142,6 +153,7 @@ ErrorCode commitNewCase(EngineState& state, const CleXDSmb& request, CleXDSmb& /
   CaseValues values;
   code = readCaseValues(dataSet, request, &values);
   if (code != ErrorCode::kNone) return code;
+  if (dataSet.variables.size() == 0) return ErrorCode::kNoVariables;
   if (!dataSet.cases.mayAdd(1)) return ErrorCode::kOutOfMemory;
   dataSet.cases.appendCase();
   values.writeTo(&dataSet, dataSet.cases.caseCount() - 1);

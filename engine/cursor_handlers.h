@@ -1,4 +1,4 @@
-// The commands about the groups into which the split variables divide the cases.
+// The commands of a pass over the cases: those that read one case after the other, change one and add one.
 #ifndef KOVADX_ENGINE_CURSOR_HANDLERS_H
 #define KOVADX_ENGINE_CURSOR_HANDLERS_H
 

@@ -158,6 +158,16 @@ TEST_F(CursorRequests, ChangeTheCurrentCaseAndGiveItBack) {
   EXPECT_EQ(main().cases.number(1, 3), kSystemMissing);
 }
 
+TEST_F(CursorRequests, GiveTheCurrentCaseBackThoughTheFilterDropsItNow) {
+  main().filter = "one";
+  EXPECT_EQ(tell(Command::MakeCaseCursor, "w"), 0);
+  EXPECT_THAT(onesOf(ask(Command::NextCaseBatch, 1, kCaseBytes)), ElementsAre(1));
+  const CleXDSmb reply = ask(Command::CommitCaseRecord, 0.0, "one", Texts{}, Texts{}, 1, kCaseBytes);
+  EXPECT_EQ(reply.FirstLong(), 1);
+  EXPECT_THAT(onesOf(reply), ElementsAre(0));
+  EXPECT_THAT(onesOf(ask(Command::NextCaseBatch, 1, kCaseBytes)), ElementsAre(2));
+}
+
 TEST_F(CursorRequests, RefuseValuesThatDoNotFitAndChangeNothing) {
   EXPECT_EQ(tell(Command::MakeCaseCursor, "w"), 0);
   EXPECT_EQ(ask(Command::NextCaseBatch, 1, kCaseBytes).FirstLong(), 1);
@@ -195,6 +205,12 @@ TEST_F(CursorRequests, AddCasesThatThePassDoesNotVisit) {
   EXPECT_EQ(main().cases.number(5, 3), kSystemMissing);
   EXPECT_EQ(main().cases.number(6, 3), 9.0);
   EXPECT_EQ(ask(Command::NextCaseBatch, 9, kCaseBytes).GetErrorCode(), 23);
+}
+
+TEST_F(CursorRequests, AddNoCasesWithoutVariables) {
+  EXPECT_EQ(tell(Command::CreateDataset, "bare", 1, 0), 0);
+  EXPECT_EQ(tell(Command::MakeCaseCursor, "a"), 0);
+  expectRefused(ErrorCode::kNoVariables, Command::CommitNewCase, Texts{}, Texts{});
 }
 
 TEST_F(CursorRequests, ChangeNothingThroughACursorForReading) {

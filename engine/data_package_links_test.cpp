@@ -1,4 +1,4 @@
-// Links on the way to a table.
+// Links on the way to a table, and what is no plain file.
 #include <gtest/gtest.h>
 
 #include "engine/data_package.h"
@@ -64,6 +64,13 @@ TEST_F(DataPackageLinks, TheDescriptorMayBeReachedThroughOne) {
   DataSet dataSet;
   std::string problem;
   EXPECT_TRUE(readDataPackage(folder_.path("package/other"), &dataSet, &problem)) << problem;
+}
+
+TEST(DataPackageDevices, AreNotRead) {
+  DataSet dataSet;
+  std::string problem;
+  EXPECT_FALSE(readDescriptor("/dev/null", &dataSet, &problem));
+  EXPECT_EQ(problem, "/dev/null: expected a file that can be read, found a pipe or a device");
 }
 
 }  // namespace

@@ -5,24 +5,21 @@
 
 #include <cstddef>
 #include <optional>
-#include <vector>
 
 #include "engine/case_cursor.h"
-#include "engine/dictionary_rules.h"
+#include "engine/variables.h"
 
 namespace kova::engine {
 
 struct DataPass {
-  DataPass(DataSet* dataSet, CaseCursor::Access access)
-      : cursor(dataSet, access), firstNew(dataSet->variables.size()) {}
-
-  bool hasNewVariables() const { return cursor.dataSet().variables.size() > firstNew; }
+  DataPass(DataSet* dataSet, CaseCursor::Access access) : cursor(dataSet, access) {}
 
   CaseCursor cursor;
-  std::size_t firstNew;                // The position of the first variable that the pass has made, behind all others.
-  std::size_t filledTo = 0;            // Behind the last case whose new variables were filled in bulk.
-  std::vector<NewVariable> announced;  // Those to be made next.
-  std::optional<std::size_t> room;     // For how many of them, where the program has said so.
+  std::size_t firstNew = 0;         // The variables that the pass has made stand side by side: where they begin,
+  std::size_t newCount = 0;         // and how many they are.
+  std::size_t filledTo = 0;         // Behind the last case whose new variables were filled in bulk.
+  Variables announced;              // Those to be made next, of which only name and width are told yet.
+  std::optional<std::size_t> room;  // For how many of them, where the program has said so.
   bool changesEnded = false;
 };
 

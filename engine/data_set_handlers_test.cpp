@@ -227,6 +227,9 @@ TEST_F(DataSets, InUseStayOpen) {
   EXPECT_EQ(tell(Command::MakeCaseCursor, "r"), 0);
   expectNothingHappens(ErrorCode::kDataSetInUse, Command::CloseDataset, "main");
   EXPECT_EQ(tell(Command::RemoveCaseCursor), 0);
+  EXPECT_EQ(tell(Command::StartProcedure, "Means", "Means"), 0);
+  expectNothingHappens(ErrorCode::kDataSetInUse, Command::CloseDataset, "main");
+  EXPECT_EQ(tell(Command::EndProcedure), 0);
   state_.ofProcedure = &other();
   expectNothingHappens(ErrorCode::kDataSetInUse, Command::CloseDataset, "Other");
   EXPECT_EQ(tell(Command::CloseDataset, "main"), 0);

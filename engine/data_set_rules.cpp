@@ -15,6 +15,12 @@ bool isTaken(const EngineState& state, const std::string& name, const DataSet* e
                      [&](const auto& other) { return other.get() != except && sameName(other->name, name); });
 }
 
+// The active one is the running procedure's unless another is stated.
+bool isOfProcedure(const EngineState& state, const DataSet& dataSet) {
+  if (state.ofProcedure != nullptr) return state.ofProcedure == &dataSet;
+  return state.output.log.hasProcedure() && state.active == &dataSet;
+}
+
 }  // namespace
 
 ErrorCode checkDataSetName(const EngineState& state, const std::string& name, const DataSet* dataSet) {
@@ -50,7 +56,7 @@ DataSet* addDataSet(EngineState* state, DataSet dataSet) {
 }
 
 ErrorCode closeDataSet(EngineState* state, DataSet* dataSet) {
-  if (isBeingRead(*state, *dataSet) || state->ofProcedure == dataSet) return ErrorCode::kDataSetInUse;
+  if (isBeingRead(*state, *dataSet) || isOfProcedure(*state, *dataSet)) return ErrorCode::kDataSetInUse;
   for (auto& [conversation, step] : state->steps) std::erase(step.touched, dataSet);
   const bool wasActive = state->active == dataSet;
   std::erase_if(state->dataSets, [dataSet](const auto& other) { return other.get() == dataSet; });

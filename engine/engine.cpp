@@ -1,9 +1,9 @@
 #include "engine/engine.h"
 
-#include <memory>
 #include <utility>
 
 #include "engine/data_package_writer.h"
+#include "engine/data_set_rules.h"
 #include "engine/dispatcher.h"
 #include "engine/report_html.h"
 #include "engine/report_text.h"
@@ -12,8 +12,7 @@ namespace kova::engine {
 
 void Engine::open(DataSet dataSet) {
   const std::lock_guard lock(mutex_);
-  state_.dataSets.push_back(std::make_unique<DataSet>(std::move(dataSet)));
-  state_.active = state_.dataSets.back().get();
+  state_.active = addDataSet(&state_, std::move(dataSet));
 }
 
 void Engine::perform(const CleXDSmb& request, CleXDSmb& reply, int conversation) noexcept {

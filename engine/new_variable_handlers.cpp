@@ -1,26 +1,31 @@
 #include "engine/new_variable_handlers.h"
 
 #include <cstdint>
-#include <iterator>
 #include <utility>
 #include <vector>
 
 #include "engine/case_bytes.h"
 #include "engine/data_pass_access.h"
 #include "engine/data_set_access.h"
+#include "engine/dictionary_rules.h"
 
 namespace kova::engine {
 namespace {
 
 // What is announced is checked where it is announced, so that the program learns which one is wrong.
-ErrorCode announce(DataPass* pass, std::vector<NewVariable> variables) {
-  std::vector<NewVariable> announced = pass->announced;
-  announced.insert(announced.end(), std::make_move_iterator(variables.begin()),
-                   std::make_move_iterator(variables.end()));
-  if (pass->room && announced.size() > *pass->room) return ErrorCode::kNewVariablesFull;
-  const ErrorCode code = checkNewVariables(pass->cursor.dataSet(), announced);
-  if (code == ErrorCode::kNone) pass->announced.swap(announced);
-  return code;
+ErrorCode announce(DataPass* pass, const std::vector<NewVariable>& variables) {
+  Variables& announced = pass->announced;
+  if (pass->room && announced.size() + variables.size() > *pass->room) return ErrorCode::kNewVariablesFull;
+  const ErrorCode code = checkNewVariables(pass->cursor.dataSet(), variables);
+  if (code != ErrorCode::kNone) return code;
+  std::vector<Variable> added(variables.size());
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    if (announced.find(variables[i].name)) return ErrorCode::kNameTaken;
+    added[i].name = variables[i].name;
+    added[i].width = variables[i].type;
+  }
+  announced.insert(announced.size(), std::move(added));
+  return ErrorCode::kNone;
 }
 
 ErrorCode allocNewVarsBuffer(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
@@ -28,7 +33,7 @@ ErrorCode allocNewVarsBuffer(EngineState& state, const CleXDSmb& request, CleXDS
   const ErrorCode code = findChangingPass(state, &pass);
   if (code != ErrorCode::kNone) return code;
   if (request.FirstLong() < 0) return ErrorCode::kNewVariablesFull;
-  pass->announced.clear();
+  pass->announced = Variables();
   pass->room = static_cast<std::size_t>(request.FirstLong());
   return ErrorCode::kNone;
 }
@@ -48,17 +53,25 @@ ErrorCode setVarNameAndType(EngineState& state, const CleXDSmb& request, CleXDSm
   if (count != request.Strings().Size() || count != request.Longs().Size() - 1) return ErrorCode::kMalformedRequest;
   std::vector<NewVariable> variables;
   for (int i = 0; i < count; ++i) variables.push_back({request.Strings()[i], request.Longs()[i + 1]});
-  return announce(pass, std::move(variables));
+  return announce(pass, variables);
 }
 
+// Behind all others. Where those of this pass are no longer the last ones, another pass has made some since.
 ErrorCode commitHeader(EngineState& state, const CleXDSmb& /*request*/, CleXDSmb& /*reply*/) {
   DataPass* pass = nullptr;
   ErrorCode code = findChangingPass(state, &pass);
   if (code != ErrorCode::kNone) return code;
   DataSet& dataSet = pass->cursor.dataSet();
-  code = insertVariables(&dataSet, dataSet.variables.size(), pass->announced);
+  const std::size_t position = dataSet.variables.size();
+  const bool isFirst = pass->newCount == 0;
+  if (!isFirst && pass->firstNew + pass->newCount != position) return ErrorCode::kDataSetInUse;
+  std::vector<NewVariable> variables;
+  for (const Variable& one : pass->announced) variables.push_back({one.name, one.width});
+  code = insertVariables(&dataSet, position, variables);
   if (code != ErrorCode::kNone) return code;
-  pass->announced.clear();
+  if (isFirst) pass->firstNew = position;
+  pass->newCount += variables.size();
+  pass->announced = Variables();
   pass->room.reset();
   return ErrorCode::kNone;
 }
@@ -70,9 +83,9 @@ struct CaseBlock {
   std::size_t caseBytes;
 };
 
-ErrorCode readBlock(const DataSet& dataSet, std::size_t firstVariable, const CleXDSmb& request, CaseBlock* block) {
+ErrorCode readBlock(const DataSet& dataSet, std::size_t firstVariable, std::size_t variables, const CleXDSmb& request,
+                    CaseBlock* block) {
   const LongData& types = request.LongArrays()[0];
-  const std::size_t variables = dataSet.variables.size() - firstVariable;
   const int cases = request.Longs()[0];
   if (cases < 0 || types.Size() != static_cast<int>(variables) || request.Longs()[1] != static_cast<int>(variables)) {
     return ErrorCode::kCaseBlockDiffers;
@@ -95,8 +108,9 @@ ErrorCode readBlock(const DataSet& dataSet, std::size_t firstVariable, const Cle
 }
 
 ErrorCode appendBlock(DataSet* dataSet, const CleXDSmb& request) {
+  if (dataSet->variables.size() == 0) return ErrorCode::kNoVariables;
   CaseBlock block{};
-  const ErrorCode code = readBlock(*dataSet, 0, request, &block);
+  const ErrorCode code = readBlock(*dataSet, 0, dataSet->variables.size(), request, &block);
   if (code != ErrorCode::kNone) return code;
   if (!dataSet->cases.mayAdd(block.count)) return ErrorCode::kOutOfMemory;
   dataSet->cases.appendCases(block.bytes, block.count);
@@ -107,7 +121,7 @@ ErrorCode appendBlock(DataSet* dataSet, const CleXDSmb& request) {
 ErrorCode fillNewVariables(DataPass* pass, const CleXDSmb& request) {
   DataSet& dataSet = pass->cursor.dataSet();
   CaseBlock block{};
-  const ErrorCode code = readBlock(dataSet, pass->firstNew, request, &block);
+  const ErrorCode code = readBlock(dataSet, pass->firstNew, pass->newCount, request, &block);
   if (code != ErrorCode::kNone) return code;
   std::size_t end = pass->filledTo;
   for (std::size_t i = 0; i < block.count; ++i) {
@@ -115,10 +129,9 @@ ErrorCode fillNewVariables(DataPass* pass, const CleXDSmb& request) {
     if (next == pass->cursor.caseCount()) return ErrorCode::kTooManyCases;
     end = next + 1;
   }
-  const std::size_t variables = dataSet.variables.size() - pass->firstNew;
   while (pass->filledTo < end) {
     const std::size_t place = pass->cursor.selectedFrom(pass->filledTo);
-    dataSet.cases.setVariables(place, pass->firstNew, variables, block.bytes);
+    dataSet.cases.setVariables(place, pass->firstNew, pass->newCount, block.bytes);
     block.bytes += block.caseBytes;
     pass->filledTo = place + 1;
   }
@@ -134,7 +147,7 @@ ErrorCode commitManyCases(EngineState& state, const CleXDSmb& request, CleXDSmb&
   const ErrorCode passCode = findChangingPass(state, &pass);
   const bool isOfPass = pass != nullptr && &pass->cursor.dataSet() == dataSet;
   if (isOfPass && passCode != ErrorCode::kNone) return passCode;
-  return isOfPass && pass->hasNewVariables() ? fillNewVariables(pass, request) : appendBlock(dataSet, request);
+  return isOfPass && pass->newCount > 0 ? fillNewVariables(pass, request) : appendBlock(dataSet, request);
 }
 
 constexpr HandlerRow kRows[] = {

@@ -1,4 +1,4 @@
-// The commands about the groups into which the split variables divide the cases.
+// The commands with which a pass over the cases makes variables, and the one that takes many cases at once.
 #ifndef KOVADX_ENGINE_NEW_VARIABLE_HANDLERS_H
 #define KOVADX_ENGINE_NEW_VARIABLE_HANDLERS_H
 

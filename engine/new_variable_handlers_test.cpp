@@ -128,6 +128,44 @@ TEST_F(NewVariables, AreFilledInSelectedCasesAlone) {
   EXPECT_EQ(main().cases.number(4, 4), 8.0);
 }
 
+TEST_F(NewVariables, OfAnotherPassAreLeftToIt) {
+  EXPECT_EQ(tell(Command::MakeCaseCursor, "w"), 0);
+  state_.conversation = 1;
+  EXPECT_EQ(tell(Command::MakeCaseCursor, "w"), 0);
+  state_.conversation = 0;
+  EXPECT_EQ(tell(Command::SetOneVarNameAndType, "a", 0), 0);
+  EXPECT_EQ(tell(Command::CommitHeader), 0);
+  state_.conversation = 1;
+  const double x = blanks();
+  EXPECT_EQ(tell(Command::CommitManyCases, "main", Units{{9, x, x, 1, 2, 3}}, 1, 5, Types{{0, 12, 0, 0, 0}}), 0);
+  EXPECT_EQ(main().cases.caseCount(), 6U) << "this pass has made none: the case is added";
+  EXPECT_EQ(tell(Command::SetOneVarNameAndType, "b", 0), 0);
+  EXPECT_EQ(tell(Command::CommitHeader), 0);
+  EXPECT_EQ(tell(Command::CommitManyCases, "main", Units{{8}}, 1, 1, Types{{0}}), 0);
+  EXPECT_EQ(main().cases.number(0, 5), 8.0);
+  state_.conversation = 0;
+  EXPECT_EQ(tell(Command::CommitManyCases, "main", Units{{7}}, 1, 1, Types{{0}}), 0);
+  EXPECT_EQ(main().cases.number(0, 4), 7.0);
+  EXPECT_EQ(tell(Command::SetOneVarNameAndType, "c", 0), 0);
+  expectRefused(ErrorCode::kDataSetInUse, Command::CommitHeader);
+}
+
+TEST_F(NewVariables, MayBeMadeInSeveralHeaders) {
+  EXPECT_EQ(tell(Command::MakeCaseCursor, "w"), 0);
+  for (const char* const name : {"a", "b"}) {
+    EXPECT_EQ(tell(Command::SetOneVarNameAndType, name, 0), 0);
+    expectRefused(ErrorCode::kNameTaken, Command::SetOneVarNameAndType, name, 0);
+    EXPECT_EQ(tell(Command::CommitHeader), 0);
+  }
+  EXPECT_EQ(tell(Command::CommitManyCases, "main", Units{{1, 2}}, 1, 2, Types{{0, 0}}), 0);
+  EXPECT_EQ(main().cases.number(0, 5), 2.0);
+}
+
+TEST_F(NewVariables, ManyCasesNeedVariables) {
+  EXPECT_EQ(tell(Command::CreateDataset, "bare", 0, 0), 0);
+  expectRefused(ErrorCode::kNoVariables, Command::CommitManyCases, "bare", std::numeric_limits<int>::max(), 0, Types{});
+}
+
 TEST_F(NewVariables, ManyCasesAreAddedWithoutACursor) {
   const double x = blanks();
   EXPECT_EQ(tell(Command::CommitManyCases, "main", Units{{9, x, x, 1, 2, 8, x, x, 3, 4}}, 2, 4, Types{{0, 12, 0, 0}}),

@@ -51,9 +51,19 @@ bool isCharacter(std::string_view bytes) {
                      [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; });
 }
 
+// Opening a pipe may wait for ever, and a device may have no end. What can not be seen is told by the open.
+void checkPlainFile(const std::string& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(os::NativePath(path), ignored);
+  if (!std::filesystem::exists(status) || std::filesystem::is_regular_file(status)) return;
+  const char* const found = std::filesystem::is_directory(status) ? "a folder" : "a pipe or a device";
+  throw DataProblem(problemLine({path}, "a file that can be read", found));
+}
+
 }  // namespace
 
 std::string readTextFile(const std::string& path) {
+  checkPlainFile(path);
   os::Error error = 0;
   const std::unique_ptr<std::FILE, Closer> file(os::OpenFile(path, "rb", &error));
   if (!file) throw DataProblem(problemLine({path}, "a file that can be read", os::ErrorText(error)));
@@ -61,11 +71,7 @@ std::string readTextFile(const std::string& path) {
   std::array<char, 65536> chunk;
   std::size_t count = 0;
   while ((count = std::fread(chunk.data(), 1, chunk.size(), file.get())) > 0) text.append(chunk.data(), count);
-  if (std::ferror(file.get()) != 0) {
-    std::error_code ignored;
-    const bool isFolder = std::filesystem::is_directory(os::NativePath(path), ignored);
-    throw DataProblem(problemLine({path}, "a file that can be read", isFolder ? "a folder" : "a read error"));
-  }
+  if (std::ferror(file.get()) != 0) throw DataProblem(problemLine({path}, "a file that can be read", "a read error"));
   if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
   return text;
 }

@@ -8,7 +8,8 @@
 
 namespace kova::engine {
 
-// The file's bytes, less a byte order mark of UTF-8 at its start. Throws DataProblem when it can not be read.
+// The file's bytes, less a byte order mark of UTF-8 at its start. Throws DataProblem when it can not be read or is no
+// plain file.
 std::string readTextFile(const std::string& path);
 
 // The offset of the first byte that is not UTF-8, or npos when all of it is.

@@ -16,7 +16,7 @@ constexpr const char* kExamples =
     "  kovadx run --data examples/penguins -- examples/penguins/describe\n"
     "  kovadx run --data examples/penguins -- python3 examples/penguins/describe.py\n"
     "  kovadx run --data examples/penguins --output report.html -- python3 examples/penguins/summary.py\n"
-    "  kovadx run --data examples/penguins --save new/datapackage.json -- python3 new_variable.py\n"
+    "  kovadx run --data examples/penguins --save new/datapackage.json -- python3 clean.py\n"
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
     "  kovadx decode request.bin\n"
     "  kovadx explain 99104\n"

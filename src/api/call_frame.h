@@ -105,6 +105,10 @@ int Fetch(Command command, int* errorCode, const Items&... items) {
 // A question to a running engine: true when its answer is a number other than 0, false on any error.
 bool Affirmed(Command command);
 
+// The code of a call just made, or, when that is 0, why its reply came short of its end. For answers that must be
+// whole: what is missing from a reply reads as zeros, and no other code would tell.
+inline int WhenWhole(int code) { return code != 0 ? code : LastReceiveStatus(); }
+
 // A call of the value shape: the reply's value, 0 or null when the call failed. It goes to the engine whether or not
 // that is marked as running.
 template <class Result, class... Items>

@@ -6,17 +6,13 @@
 
 #include "api/caller_memory.h"
 #include "api/client_state.h"
+#include "api/local_results.h"
 #include "api/string_list.h"
 
 namespace kova {
 namespace {
 
 constexpr std::size_t kShortTextLength = 8;
-
-template <class Value>
-void store(Value* place, Value value) {
-  if (place) *place = value;
-}
 
 // Hands a result out, or leaves it to its owner's end when nobody wants it.
 template <class Value, class Owner>
@@ -46,29 +42,29 @@ void takeTexts(const StringData& texts, int found, char*** place, int* count) {
     CallerTexts list(texts, 0, found);
     handOut(place, list);
   }
-  store(count, found);
+  StoreAt(count, found);
 }
 
 }  // namespace
 
-void IntoLong::take(const CleXDSmb& reply) const { store(place, reply.FirstLong()); }
+void IntoLong::take(const CleXDSmb& reply) const { StoreAt(place, reply.FirstLong()); }
 
 void IntoLongs::take(const CleXDSmb& reply) const {
   const LongData& longs = reply.Longs();
-  for (int i = 0; i < 3; ++i) store(places[i], i < longs.Size() ? longs[i] : 0);
+  for (int i = 0; i < 3; ++i) StoreAt(places[i], i < longs.Size() ? longs[i] : 0);
 }
 
-void IntoDouble::take(const CleXDSmb& reply) const { store(place, reply.FirstDouble()); }
+void IntoDouble::take(const CleXDSmb& reply) const { StoreAt(place, reply.FirstDouble()); }
 
 void IntoDoublePair::take(const CleXDSmb& reply) const {
   const DoubleData& doubles = reply.Doubles();
-  store(first, reply.FirstDouble());
-  store(second, doubles.Size() > 1 ? doubles[1] : 0.0);
+  StoreAt(first, reply.FirstDouble());
+  StoreAt(second, doubles.Size() > 1 ? doubles[1] : 0.0);
 }
 
 void IntoDoubles::take(const CleXDSmb& reply) const {
   const DoubleData& doubles = reply.Doubles();
-  for (int i = 0; i < std::min(3, doubles.Size()); ++i) store(places[i], doubles[i]);
+  for (int i = 0; i < std::min(3, doubles.Size()); ++i) StoreAt(places[i], doubles[i]);
 }
 
 void IntoShortTexts::take(const CleXDSmb& reply) const {
@@ -88,14 +84,14 @@ void IntoTextPair::take(const CleXDSmb& reply) const {
   handOut(second, text2);
 }
 
-void IntoSharedText::take(const CleXDSmb& reply) const { store(place, KeepSharedText(textAt(reply.Strings(), 0))); }
+void IntoSharedText::take(const CleXDSmb& reply) const { StoreAt(place, KeepSharedText(textAt(reply.Strings(), 0))); }
 
 void IntoSharedText::drop() const {
   DropSharedText();
   if (place) *place = nullptr;
 }
 
-void IntoWideText::take(const CleXDSmb& reply) const { store(place, KeepWideText(reply.GetwStringData())); }
+void IntoWideText::take(const CleXDSmb& reply) const { StoreAt(place, KeepWideText(reply.GetwStringData())); }
 
 void IntoTexts::take(const CleXDSmb& reply) const { takeTexts(reply.Strings(), reply.Strings().Size(), texts, count); }
 
@@ -118,7 +114,7 @@ void IntoNumberLabels::take(const CleXDSmb& reply) const {
     handOut(values, numbers);
     handOut(labels, list);
   }
-  store(count, found);
+  StoreAt(count, found);
 }
 
 void IntoTextLabels::take(const CleXDSmb& reply) const {
@@ -130,7 +126,7 @@ void IntoTextLabels::take(const CleXDSmb& reply) const {
     handOut(values, keys);
     handOut(labels, list);
   }
-  store(count, found);
+  StoreAt(count, found);
 }
 
 void IntoResponseSet::take(const CleXDSmb& reply) const {
@@ -144,8 +140,8 @@ void IntoResponseSet::take(const CleXDSmb& reply) const {
   }
   handOut(label, labelText);
   handOut(countedValue, valueText);
-  store(codeAs, reply.FirstLong());
-  store(count, found);
+  StoreAt(codeAs, reply.FirstLong());
+  StoreAt(count, found);
 }
 
 void IntoImage::take(const CleXDSmb& reply) const {
@@ -155,7 +151,7 @@ void IntoImage::take(const CleXDSmb& reply) const {
   CallerText typeText = typeName.empty() ? nullptr : CopyForCaller(typeName);
   handOut(image, bytes);
   handOut(type, typeText);
-  store(size, length);
+  StoreAt(size, length);
 }
 
 void Returned<const char*>::take(const CleXDSmb& reply) const { *value = KeepSharedText(textAt(reply.Strings(), 0)); }

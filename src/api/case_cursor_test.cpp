@@ -65,6 +65,7 @@ TEST_F(CaseCursor, MissingValuesComeFromTheEngine) {
 struct BatchSizeRow {
   const char* label;
   const char* mode;
+  int access;
   std::vector<int> types;
   int cases;
   int caseSize;
@@ -72,31 +73,32 @@ struct BatchSizeRow {
 
 TEST_F(CaseCursor, AsksForTwentyMebibytesOrForOneCase) {
   const BatchSizeRow rows[] = {
-      {"r reads", "r", {0}, 2621440, 8},
-      {"R reads", "R", {0}, 2621440, 8},
-      {"w takes one", "w", {0}, 1, 8},
-      {"W takes one", "W", {0}, 1, 8},
-      {"two letters", "rr", {0}, 1, 8},
-      {"another letter", "a", {0}, 1, 8},
-      {"an empty mode", "", {0}, 1, 8},
-      {"no mode", nullptr, {0}, 1, 8},
-      {"no variables", "r", {}, 1, 0},
-      {"width 1", "r", {1}, 2621440, 8},
-      {"width 8", "r", {8}, 2621440, 8},
-      {"width 9", "r", {9}, 1310720, 16},
-      {"width 32767", "r", {32767}, 640, 32768},
-      {"all of them", "r", {0, 1, 8, 9, 32767}, 639, 32808},
-      {"half a batch", "r", {10485760}, 2, 10485760},
-      {"nearly a batch", "r", {20971512}, 1, 20971512},
-      {"a batch", "r", {20971520}, 1, 20971520},
-      {"more than a batch", "r", {20971521}, 1, 20971528},
-      {"a negative type", "r", {-5}, 2621440, 8},
+      {"r reads", "r", 0, {0}, 2621440, 8},
+      {"R reads", "R", 0, {0}, 2621440, 8},
+      {"w takes one", "w", 1, {0}, 1, 8},
+      {"W takes one", "W", 1, {0}, 1, 8},
+      {"two letters", "rr", 2, {0}, 1, 8},
+      {"another letter", "a", 2, {0}, 1, 8},
+      {"an empty mode", "", 2, {0}, 1, 8},
+      {"no mode", nullptr, 2, {0}, 1, 8},
+      {"no variables", "r", 0, {}, 1, 0},
+      {"width 1", "r", 0, {1}, 2621440, 8},
+      {"width 8", "r", 0, {8}, 2621440, 8},
+      {"width 9", "r", 0, {9}, 1310720, 16},
+      {"width 32767", "r", 0, {32767}, 640, 32768},
+      {"all of them", "r", 0, {0, 1, 8, 9, 32767}, 639, 32808},
+      {"half a batch", "r", 0, {10485760}, 2, 10485760},
+      {"nearly a batch", "r", 0, {20971512}, 1, 20971512},
+      {"a batch", "r", 0, {20971520}, 1, 20971520},
+      {"more than a batch", "r", 0, {20971521}, 1, 20971528},
+      {"a negative type", "r", 0, {-5}, 2621440, 8},
   };
   Serve();
   for (const BatchSizeRow& row : rows) {
     SCOPED_TRACE(row.label);
     types = row.types;
     EXPECT_EQ(MakeCaseCursor(row.mode), 0);
+    EXPECT_EQ(kova::ClientCursor()->GetAccessType(), row.access);
     EXPECT_EQ(NextCase(), 23);
     EXPECT_EQ(Codes().back(), 227);
     EXPECT_THAT(LongsOf(Codes().size() - 1), ElementsAre(row.cases, row.caseSize));
@@ -128,6 +130,15 @@ TEST_F(CaseCursor, AFailingQuestionLeavesTheEarlierCursor) {
     EXPECT_EQ(MakeCaseCursor("r"), 55);
     EXPECT_EQ(kova::ClientCursor(), nullptr);
   }
+}
+
+// No other code would tell of an answer that was cut short, and the cursor would have a layout that the data have not.
+TEST_F(CaseCursor, AnAnswerCutShortMakesNoCursor) {
+  Serve();
+  cutsAt = WireImage{}.bytes().size();
+  EXPECT_EQ(MakeCaseCursor("r"), 109) << "the number of variables";
+  EXPECT_THAT(Codes(), ElementsAre(33, 104));
+  EXPECT_EQ(kova::ClientCursor(), nullptr);
 }
 
 TEST_F(CaseCursor, ASecondOneReplacesTheFirst) {

@@ -40,7 +40,8 @@ int addVariable(CursorDataSmb& cursor, int index, std::int64_t& units) {
   std::unique_ptr<VarInfo> info(cursor.NewVarInfo());
   int code = 0;
   info->type = GetVariableTypeInProcDS(index, &code);
-  if (code == 0) code = info->type == 0 ? readMissingNumbers(index, *info) : readMissingTexts(index, *info);
+  if (WhenWhole(code) != 0) return WhenWhole(code);
+  code = WhenWhole(info->type == 0 ? readMissingNumbers(index, *info) : readMissingTexts(index, *info));
   if (code != 0) return code;
   cursor.GetObsIndex().push_back(static_cast<unsigned int>(units));
   units += UnitsOfType(info->type);
@@ -51,6 +52,7 @@ int addVariable(CursorDataSmb& cursor, int index, std::int64_t& units) {
 int addVariables(CursorDataSmb& cursor) {
   int code = 0;
   const int count = GetVariableCountInProcDS(&code);
+  code = WhenWhole(code);
   std::int64_t units = 0;
   for (int index = 0; code == 0 && index < count; ++index) code = addVariable(cursor, index, units);
   if (code == 0) cursor.SetOneCaseSize(static_cast<int>(units) * kUnitBytes);

@@ -22,8 +22,8 @@ inline CursorDataSmb* ClientCursor() { return clientCursor; }
 void DropClientCursor();
 
 // Asks the engine for the variables of the procedure's data and makes the cursor for them, in place of an earlier one.
-// The result is the code of the call that failed, and the earlier cursor stays then; 13 when a case would be larger
-// than any message. Throws std::bad_alloc.
+// The result is the code of the call that failed, or of the reply that was cut short, and the earlier cursor stays
+// then; 13 when a case would be larger than any message. Throws std::bad_alloc.
 int MakeClientCursor(CursorAccess access);
 
 // How many cases are asked for at once: for reading as many as take 20 MiB, else one. 0 without a cursor.

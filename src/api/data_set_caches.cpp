@@ -9,20 +9,19 @@
 #include "api/file_transfers.h"
 #include "api/kovadx.h"
 #include "config/never_destroyed.h"
+#include "platform/os/error.h"
 
 namespace kova {
 namespace {
 
-constexpr int kInvalidData = 13;
-// No case is longer: it would not fit into the largest batch of cases.
-constexpr int kLongestCase = 20 << 20;
+constexpr int kInvalidSize = static_cast<int>(os::kInvalidData);
 
 // The number that the engine answers with. A reply that was cut short is a failure here: the record would have a layout
 // that the data set has not.
 template <class... Items>
 int numberOf(Command command, int* code, const Items&... items) {
   const int number = Ask<int>(command, code, items...);
-  if (*code == 0) *code = LastReceiveStatus();
+  *code = WhenWhole(*code);
   return number;
 }
 
@@ -43,7 +42,7 @@ int readLayout(const char* dataSet, DatastepDataSmb& record) {
   int code = 0;
   const int size = numberOf(Command::GetCaseLength, &code, Text{dataSet});
   if (code != 0) return code;
-  if (size < 0 || size > kLongestCase) return kInvalidData;
+  if (size < 0) return kInvalidSize;
   record.SetOneCaseSize(size);
   const int count = numberOf(Command::GetVarCountInDS, &code, Text{dataSet});
   return code != 0 ? code : readTypes(dataSet, count, record);

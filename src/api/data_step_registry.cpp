@@ -5,33 +5,29 @@
 
 namespace kova {
 
-DatastepDataSmb* DataStepRegistry::find(std::string_view name) {
-  if (lastRecord_ && lastName_ == name) return lastRecord_;
+DatastepDataSmb* DataStepRegistry::find(std::string_view name) noexcept {
+  if (last_ < names_.size() && names_[last_] == name) return records_[last_].get();
   ++searches_;
   const auto found = std::find(names_.begin(), names_.end(), name);
   if (found == names_.end()) return nullptr;
-  lastName_ = name;
-  lastRecord_ = records_[static_cast<std::size_t>(found - names_.begin())].get();
-  return lastRecord_;
+  last_ = static_cast<std::size_t>(found - names_.begin());
+  return records_[last_].get();
 }
 
 DatastepDataSmb* DataStepRegistry::add(std::string_view name, DatastepDataSmb record) {
   auto kept = std::make_unique<DatastepDataSmb>(std::move(record));
+  // Room first, so that both lists grow or none does.
+  records_.reserve(records_.size() + 1);
   names_.emplace_back(name);
-  try {
-    records_.push_back(std::move(kept));
-  } catch (...) {
-    names_.pop_back();
-    throw;
-  }
+  records_.push_back(std::move(kept));
+  last_ = names_.size() - 1;
   return records_.back().get();
 }
 
 void DataStepRegistry::clear() {
   names_.clear();
   records_.clear();
-  lastName_.clear();
-  lastRecord_ = nullptr;
+  last_ = 0;
 }
 
 }  // namespace kova

@@ -18,8 +18,8 @@ namespace kova {
 class DataStepRegistry {
  public:
   // The record of exactly that name; null when there is none. It stays where it is until the registry is cleared. The
-  // name found last is remembered, so that the next call for it searches nothing.
-  DatastepDataSmb* find(std::string_view name);
+  // name found or added last is remembered by its position, so that the next call for it searches nothing.
+  DatastepDataSmb* find(std::string_view name) noexcept;
 
   // Keeps a record under a name that is not there yet. Throws std::bad_alloc, and nothing is kept then.
   DatastepDataSmb* add(std::string_view name, DatastepDataSmb record);
@@ -35,8 +35,7 @@ class DataStepRegistry {
   // In step with each other.
   std::vector<std::string> names_;
   std::vector<std::unique_ptr<DatastepDataSmb>> records_;
-  std::string lastName_;
-  DatastepDataSmb* lastRecord_ = nullptr;  // Null when no name is remembered.
+  std::size_t last_ = 0;  // The position remembered; nothing is behind the last name.
   unsigned searches_ = 0;
 };
 

@@ -853,7 +853,7 @@ KOVADX_API int CommitDataSet(void);
  * one that GetCaseValue has read last. The first GetCaseValue and the first function with FromCache makes it and asks
  * the engine for the length of a case, the number of variables and their types, one question each; the code is that of
  * a question that fails. The record follows InsertVariable, DeleteVariable and SetVarTypeInDS once the engine has
- * accepted them; its case is then empty, to be read again. EndDataStep destroys all records.
+ * accepted them; its case is then all zeros, to be read again. EndDataStep destroys all records.
  *
  * A case is a run of 8-byte units: one for a number, (width + 7) / 8 for a text, but at least one, padded with blanks.
  *

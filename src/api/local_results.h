@@ -1,4 +1,4 @@
-// How the local functions hand out what they find.
+// How results are handed out.
 #ifndef KOVADX_API_LOCAL_RESULTS_H
 #define KOVADX_API_LOCAL_RESULTS_H
 

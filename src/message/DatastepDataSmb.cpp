@@ -23,15 +23,11 @@ int cutToInt(std::int64_t value) {
 
 }  // namespace
 
-void DatastepDataSmb::AddVarType(int type) {
-  types_.push_back(type);
-  obsLength_.push_back(UnitsOfType(type));
-}
+void DatastepDataSmb::AddVarType(int type) { insertType(VarCount(), type); }
 
 void DatastepDataSmb::InsertVarType(int at, int type) {
   if (at < 0 || at > VarCount()) return;
-  types_.insert(types_.begin() + at, type);
-  obsLength_.insert(obsLength_.begin() + at, UnitsOfType(type));
+  insertType(at, type);
   indexAnew();
   resizeBy(UnitsOfType(type));
 }
@@ -140,6 +136,17 @@ char* DatastepDataSmb::GetCCellValue(unsigned int var, int& error) const {
   if (copy == nullptr) throw std::bad_alloc();
   std::memcpy(copy, place, static_cast<std::size_t>(width));
   return copy;
+}
+
+// Both lists grow or none does.
+void DatastepDataSmb::insertType(int at, int type) {
+  types_.insert(types_.begin() + at, type);
+  try {
+    obsLength_.insert(obsLength_.begin() + at, UnitsOfType(type));
+  } catch (...) {
+    types_.erase(types_.begin() + at);
+    throw;
+  }
 }
 
 void DatastepDataSmb::resize(std::int64_t size) { SetOneCaseSize(cutToInt(size)); }

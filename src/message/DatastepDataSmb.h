@@ -70,6 +70,7 @@ class KOVADX_API DatastepDataSmb {
 
  private:
   bool has(std::int64_t var) const { return var >= 0 && var < static_cast<std::int64_t>(types_.size()); }
+  void insertType(int at, int type);
   void resize(std::int64_t size);
   void resizeBy(std::int64_t units);
   void indexAnew();
