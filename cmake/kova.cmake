@@ -11,6 +11,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(KOVA_SANITIZE "" CACHE STRING "Sanitizers for everything, as -fsanitize takes them")
 set(KOVA_GOOGLETEST_DIR "/usr/src/googletest" CACHE PATH "GoogleTest's sources (Debian: googletest)")
 set(KOVA_HOME_DIR "${CMAKE_BINARY_DIR}/home" CACHE PATH "The runnable home folder that the build assembles")
+set(KOVA_RUNTIME_DIR "${CMAKE_BINARY_DIR}/runtimes" CACHE PATH "Where the build leaves the runtime libraries")
 set(KOVA_DEPS_DIR "${CMAKE_SOURCE_DIR}/build/deps" CACHE PATH "Where scripts/demo and scripts/test unpack Debian's source packages")
 find_package(Threads REQUIRED)
 

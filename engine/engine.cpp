@@ -1,6 +1,7 @@
 #include "engine/engine.h"
 
 #include <utility>
+#include <variant>
 
 #include "engine/data_package_writer.h"
 #include "engine/data_set_rules.h"
@@ -9,6 +10,30 @@
 #include "engine/report_text.h"
 
 namespace kova::engine {
+namespace {
+
+bool isLoosePost(const OutputSection& section) {
+  return !section.isProcedure() && std::holds_alternative<PostedText>(section.items.front().content);
+}
+
+// Sections as they are shown one behind the other. What is posted outside of procedures stands line below line, as what
+// a script prints does; an empty line parts it from another section behind it.
+class SectionsAsText {
+ public:
+  std::string next(const OutputSection& section, std::size_t width) {
+    std::string text = sectionText(section, width);
+    const bool isPost = isLoosePost(section);
+    if (isPost) text.pop_back();
+    if (!isPost && isAfterPost_) text.insert(0, 1, '\n');
+    isAfterPost_ = isPost;
+    return text;
+  }
+
+ private:
+  bool isAfterPost_ = false;
+};
+
+}  // namespace
 
 void Engine::open(DataSet dataSet) {
   const std::lock_guard lock(mutex_);
@@ -29,9 +54,10 @@ void Engine::leave(int conversation) noexcept {
 
 void Engine::onOutput(std::function<void(const std::string& text)> show) {
   const std::lock_guard lock(mutex_);
-  state_.output.log.setListener([this, show = std::move(show)](const OutputSection& section) {
-    show(sectionText(section, static_cast<std::size_t>(state_.session.outputWidth)));
-  });
+  state_.output.log.setListener(
+      [this, show = std::move(show), sections = SectionsAsText()](const OutputSection& section) mutable {
+        show(sections.next(section, static_cast<std::size_t>(state_.session.outputWidth)));
+      });
 }
 
 void Engine::endOutput() {

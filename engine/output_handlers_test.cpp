@@ -271,12 +271,24 @@ class EngineOutput : public testing::Test {
 
 TEST_F(EngineOutput, IsShownPieceByPiece) {
   tell(Command::PostKovaOutput, {"posted"});
-  EXPECT_THAT(shown_, ElementsAre("posted\n\n"));
+  EXPECT_THAT(shown_, ElementsAre("posted\n"));
   tell(Command::StartProcedure, {"One", "One"});
   EXPECT_EQ(shown_.size(), 1U);
   tell(Command::EndProcedure);
-  EXPECT_THAT(shown_, ElementsAre("posted\n\n", "One\n===\n\n"));
+  EXPECT_THAT(shown_, ElementsAre("posted\n", "\nOne\n===\n\n"));
   EXPECT_THAT(engine_.htmlOutput(), testing::HasSubstr("<h2 id=\"s2-heading\">One</h2>"));
+}
+
+// As what a script prints does.
+TEST_F(EngineOutput, PostsStandLineBelowLine) {
+  tell(Command::PostKovaOutput, {"one"});
+  tell(Command::PostKovaOutput, {"two\n\nthree\n"});
+  tell(Command::StartProcedure, {"P", "P"});
+  tell(Command::EndProcedure);
+  tell(Command::StartProcedure, {"Q", "Q"});
+  tell(Command::EndProcedure);
+  tell(Command::PostKovaOutput, {"four"});
+  EXPECT_THAT(shown_, ElementsAre("one\n", "two\n\nthree\n", "\nP\n=\n\n", "Q\n=\n\n", "four\n"));
 }
 
 TEST_F(EngineOutput, AProcedureThatWasLeftOpenIsEnded) {

@@ -1,4 +1,5 @@
-"""What the Python examples share: the client library, loaded with ctypes, as a program that `kovadx run` starts has it.
+"""What the Python examples share: the client library, loaded with ctypes, as a program that `kovadx run` starts has it,
+or as the engine has it that a script runs inside of.
 
 Python's standard library alone.
 """
@@ -66,14 +67,21 @@ class EngineError(Exception):
     pass
 
 
-def load_library(home):
-    """Loads the client library from the home folder and tells ctypes about its functions."""
-    name = "kovadx.dll" if os.name == "nt" else "libkovadx.so"
-    library = ctypes.CDLL(os.path.join(home, name))
+def load_library(path, **more):
+    """Loads the client library and tells ctypes about its functions."""
+    library = ctypes.CDLL(path, **more)
     for function, (result, *arguments) in PROTOTYPES.items():
         getattr(library, function).restype = result
         getattr(library, function).argtypes = arguments
     return library
+
+
+def library_of_the_process():
+    """The client library of an engine that this script runs inside of; None in a process of the script's own."""
+    try:
+        return load_library("libkovadx.so.1", mode=os.RTLD_NOLOAD | os.RTLD_NOW) if os.name != "nt" else None
+    except OSError:
+        return None
 
 
 def plain(argument):
@@ -82,13 +90,18 @@ def plain(argument):
 
 
 class Engine:
-    """The engine that `kovadx run` offers to this program."""
+    """The engine that `kovadx run` offers to this program, or that this script runs inside of."""
 
     def __init__(self):
+        self.library = library_of_the_process()
+        if self.library is None:
+            self.join_engine()
+
+    def join_engine(self):
         home, name = os.environ.get("KOVA_HOME"), os.environ.get("KOVA_XNAME")
         if not home or not name:
             raise EngineError("no engine; start this program with: kovadx run --data FOLDER -- python3 PROGRAM")
-        self.library = load_library(home)
+        self.library = load_library(os.path.join(home, "kovadx.dll" if os.name == "nt" else "libkovadx.so"))
         self.library.SetXNameAndSHome(name.encode(), home.encode())
         self.library.SetKovaRunning(True)
 

@@ -17,13 +17,14 @@ constexpr const char* kExamples =
     "  kovadx run --data examples/penguins -- python3 examples/penguins/describe.py\n"
     "  kovadx run --data examples/penguins --output report.html -- python3 examples/penguins/summary.py\n"
     "  kovadx run --data examples/penguins --save new/datapackage.json -- python3 clean.py\n"
+    "  kovadx run --data examples/penguins --language PYTHON examples/penguins/summary.py\n"
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
     "  kovadx decode request.bin\n"
     "  kovadx explain 99104\n"
     "\n"
     "Exit code of run: the program's own, or 128 + the signal that ended it; 127 when the program was not found, 126 "
     "when it\n"
-    "could not be run, 125 when kovadx itself failed.";
+    "could not be run, 125 when kovadx itself failed. A script's own result is the exit code.";
 
 // The instance name becomes a part of the pipes' names.
 std::string checkName(const std::string& name) {
@@ -67,7 +68,9 @@ void addRun(CLI::App* app, RunOptions& options) {
       app->add_subcommand("run",
                           "Start an engine, run a program beside it, and end as the program ends:\n"
                           "kovadx run [--data DATAPACKAGE] [--save FILE.json] [--output REPORT.html] [--name NAME] "
-                          "[--home DIR] -- PROGRAM ARGS...");
+                          "[--home DIR] -- PROGRAM ARGS...\n"
+                          "or run a script inside the engine's own process:\n"
+                          "kovadx run --language LANGUAGE [OPTIONS] SCRIPT");
   run->footer(kExamples);
   run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder")->check(checkPath);
   run->add_option("--save", options.save,
@@ -76,6 +79,13 @@ void addRun(CLI::App* app, RunOptions& options) {
       ->check(checkPath)
       ->check(checkDescriptor);
   run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
+  run->add_option(
+         "--language", options.language,
+         "The language of SCRIPT, which runs inside kovadx, in the runtime that the home folder's configuration "
+         "names")
+      ->check(checkName)
+      ->excludes("--name");
+  run->add_option("SCRIPT", options.script, "The script, with --language")->check(checkPath);
   run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)")
       ->check(checkPath);
   run->add_option("--output", options.output, "The HTML file that the report of all output is written to")
@@ -94,9 +104,18 @@ CLI::App* addExplain(CLI::App* app, ExplainOptions& options) {
   return explain;
 }
 
-int noProgram() {
-  printError("no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...");
-  return kOwnFailure;
+// What is missing or too much beside the options; empty when all is there.
+std::string problemOf(const RunOptions& options) {
+  if (options.language.empty()) {
+    if (!options.script.empty())
+      return "The following argument was not expected: " + options.script + "; see kovadx --help";
+    if (!options.program.empty()) return "";
+    return "no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...";
+  }
+  if (!options.program.empty())
+    return "--language runs a script inside kovadx and no program beside it; leave out what stands behind \"--\"";
+  if (options.script.empty()) return "no script to run; name it, as in: kovadx run --language PYTHON SCRIPT";
+  return "";
 }
 
 }  // namespace
@@ -123,11 +142,13 @@ std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int*
   }
   if (toDecode->parsed()) return decode;
   if (toExplain->parsed()) return explain;
-  if (run.program.empty()) {
-    *exitCode = noProgram();
+  if (const std::string problem = problemOf(run); !problem.empty()) {
+    printError(problem);
+    *exitCode = kOwnFailure;
     return std::nullopt;
   }
   toUpper(&run.name);
+  toUpper(&run.language);
   return run;
 }
 

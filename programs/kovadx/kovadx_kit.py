@@ -1,9 +1,9 @@
 """What the tests of the kovadx command share. They run it as its users do, from the home folder that the build assembled.
 
-Usage of each: TEST.py --home FOLDER [--emulator PROGRAM] [--preload LIBRARY]
+Usage of each: TEST.py --home FOLDER [--emulator PROGRAM] [--preload LIBRARY] [--runtimes FOLDER]
 
 With an emulator the home folder is that of the Windows build. --preload names the sanitizer's runtime, which a program
-that loads an instrumented library must load first.
+that loads an instrumented library must load first; --runtimes is where the build left the echo runtime.
 """
 import argparse
 import os
@@ -87,6 +87,7 @@ def run_tests(portable, posix):
     parser.add_argument("--home", type=pathlib.Path, required=True)
     parser.add_argument("--emulator")
     parser.add_argument("--preload")
+    parser.add_argument("--runtimes", type=pathlib.Path)
     parser.parse_args(namespace=options)
     signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job has it ignored.
     classes = portable if options.emulator else portable + posix

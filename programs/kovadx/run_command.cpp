@@ -6,9 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "api/InitDxGlobal.h"
 #include "engine/data_package.h"
@@ -21,6 +23,8 @@
 #include "platform/os/named_pipe.h"
 #include "platform/os/process.h"
 #include "report_file.h"
+#include "script_file.h"
+#include "script_run.h"
 #include "transport/KovaPipe.h"
 #include "transport/XPipes.h"
 
@@ -70,15 +74,20 @@ std::string libraryPath(const std::string& home) {
   return present && !present->empty() ? home + os::kListSeparator + *present : home;
 }
 
+// What a program or a script finds in its environment.
+std::vector<std::pair<std::string, std::string>> environmentOf(const std::string& name, const std::string& home) {
+  return {{"KOVA_HOME", home},
+          {"KOVA_XNAME", name},
+          {"KOVADXTEMP", temporaryFolder()},
+          {"KOVA_PIPE_DIR", os::PipeFolder()},  // What the program makes of its environment may differ.
+          {libraryPathName(), libraryPath(home)}};
+}
+
 os::ProcessStart programStart(const RunOptions& options, const std::string& home) {
   os::ProcessStart start;
   start.program = options.program.front();
   start.arguments.assign(options.program.begin() + 1, options.program.end());
-  start.environment = {{"KOVA_HOME", home},
-                       {"KOVA_XNAME", options.name},
-                       {"KOVADXTEMP", temporaryFolder()},
-                       {"KOVA_PIPE_DIR", os::PipeFolder()},  // What the program makes of its environment may differ.
-                       {libraryPathName(), libraryPath(home)}};
+  start.environment = environmentOf(options.name, home);
   start.endsWithParent = true;
   return start;
 }
@@ -246,6 +255,24 @@ int writeReport(const RunOptions& options, const engine::Engine& engine, int exi
   return exitCode == 0 ? kOwnFailure : exitCode;
 }
 
+// The program's exit code, or nothing when it was not started; *exitCode is then kovadx's.
+std::optional<int> runProgram(const RunOptions& options, const std::string& home, engine::Engine* engine,
+                              int* exitCode) {
+  os::Process program;
+  const os::Error error = os::Process::Start(programStart(options, home), &program);
+  if (error == os::kSuccess) return serve(engine, options, &program);
+  *exitCode = reportNotStarted(options.program.front(), error);
+  return std::nullopt;
+}
+
+// The same for a script in this process, which finds in the environment what a program would, and where it lies.
+std::optional<int> runScriptHere(const RunOptions& options, const std::string& home,
+                                 const std::vector<std::string>& lines, engine::Engine* engine) {
+  for (const auto& [name, value] : environmentOf(options.language, home)) os::SetEnvironment(name, value);
+  os::SetEnvironment("KOVA_SCRIPT", std::filesystem::absolute(os::NativePath(options.script)).string());
+  return runScript(options, home, lines, engine, endRequested);
+}
+
 // The process-wide objects of the library, for as long as the engine serves.
 class LibraryState {
  public:
@@ -266,6 +293,8 @@ int runCommand(const RunOptions& options) {
     printError("no such home folder: " + named + "; give the folder that holds the library with --home");
     return kOwnFailure;
   }
+  std::vector<std::string> script;
+  if (!options.script.empty() && !readScript(options.script, &script)) return kOwnFailure;
   if (!canSave(options) || !canWriteReport(options)) return kOwnFailure;
   engine::Engine engine;
   if (!openData(options, &engine)) return kOwnFailure;
@@ -274,12 +303,12 @@ int runCommand(const RunOptions& options) {
   // A folder that is not as it should be is told of when the program is served.
   os::SweepStalePipes(XPipes::XDAPI_PIPE);
   os::SetEndRequestHandler([] { endRequested = true; });
-  os::Process program;
-  const os::Error error = os::Process::Start(programStart(options, home), &program);
-  if (error != os::kSuccess) return reportNotStarted(options.program.front(), error);
-  const int exitCode = serve(&engine, options, &program);
+  int failure = kOwnFailure;
+  const std::optional<int> exitCode = options.language.empty() ? runProgram(options, home, &engine, &failure)
+                                                               : runScriptHere(options, home, script, &engine);
+  if (!exitCode) return failure;
   engine.endOutput();
-  return writeReport(options, engine, tellLostOutput(saveData(options, engine, exitCode)));
+  return writeReport(options, engine, tellLostOutput(saveData(options, engine, *exitCode)));
 }
 
 }  // namespace kova::program

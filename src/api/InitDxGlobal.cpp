@@ -2,12 +2,15 @@
 
 #include <memory>
 
+#include "api/callback_table.h"
 #include "api/guard.h"
+#include "api/kovadx.h"
 #include "api/pipe_selection.h"
 #include "config/KovaDXConfigReader.h"
 #include "config/process_values.h"
 #include "config/text_utilities.h"
 #include "host/XManager.h"
+#include "host/client_functions.h"
 #include "trace/DxTracer.h"
 #include "transport/XPipeManager.h"
 
@@ -28,6 +31,7 @@ void installTracer() {
 int initialise(const std::string& tempPath, const std::string& pid, const std::string& xName,
                const std::string& kovaHome) {
   SetInStat(false);
+  kova::setClientFunctions({&StopReceiveXdApiThread, &PostKovaOutput, kova::callbackTable()});
   SetXName(xName);
   if (!kovaHome.empty()) SetKOVAHOME(kovaHome.c_str());
   auto hosts = std::make_unique<XManager>();

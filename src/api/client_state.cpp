@@ -9,6 +9,7 @@
 namespace kova {
 namespace {
 
+std::atomic<bool> hostCreatedHere = false;
 std::atomic<int> lastReceiveStatus = 0;
 std::atomic<unsigned short*> wideText = nullptr;
 
@@ -32,6 +33,10 @@ SharedText* roomFor(std::size_t size, SharedText* earlier) {
 }  // namespace
 
 void SetEngineRunning(bool running) { engineRunningFlag.store(running, std::memory_order_relaxed); }
+
+bool IsHostCreatedHere() { return hostCreatedHere.load(std::memory_order_relaxed); }
+
+void SetHostCreatedHere(bool created) { hostCreatedHere.store(created, std::memory_order_relaxed); }
 
 int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxed); }
 

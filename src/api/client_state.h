@@ -19,6 +19,10 @@ inline std::atomic<bool> engineRunningFlag = false;
 inline bool IsEngineRunning() { return engineRunningFlag.load(std::memory_order_relaxed); }
 void SetEngineRunning(bool running);
 
+// Whether the pipe-suite initialiser has made a runtime host in this process.
+bool IsHostCreatedHere();
+void SetHostCreatedHere(bool created);
+
 // The transport's own result of the last reply: 0 when it came whole.
 int LastReceiveStatus();
 void SetLastReceiveStatus(int status);

@@ -7,8 +7,10 @@
 
 #include "api/InitDxGlobal.h"
 #include "api/client_state.h"
+#include "config/KovaDXConfigReader.h"
 #include "config/process_values.h"
 #include "config/text_utilities.h"
+#include "host/CreateLanguageX.h"
 #include "platform/os/environment.h"
 #include "platform/os/process.h"
 #include "trace/DxTracer.h"
@@ -52,6 +54,19 @@ std::string settleName() {
   return name;
 }
 
+// A suite that no run has raised yet starts at its first level: with the runner of a host of its language, for nested
+// runs in this process, when the configuration lists the language. Deliberate: that the host can not load its library
+// ends nothing here, and the process counts as its maker.
+void raiseToFirstLevel(XPipeSuit& suite) {
+  const bool isHosted = KovaDXConfigReader::GetInstance()->IsSupportLanguage(suite.XName());
+  if (isHosted) {
+    CreateLanguageX(suite.XName(), false);
+  } else {
+    suite.increaseIndex();
+  }
+  SetHostCreatedHere(isHosted);
+}
+
 // Null when somebody took the pipe manager away.
 XPipeSuit* chooseSuite() {
   const ClientIdentity& identity = StoredIdentity();
@@ -62,8 +77,7 @@ XPipeSuit* chooseSuite() {
   XPipeManager* const manager = GetXPipeManager();
   if (!manager) return nullptr;
   XPipeSuit* const suite = manager->getPipeSuit(name);
-  // A suite that no runtime host has raised yet starts at its first level.
-  if (suite->getIndex() < 0) suite->increaseIndex();
+  if (suite->getIndex() < 0) raiseToFirstLevel(*suite);
   return suite;
 }
 

@@ -3,9 +3,19 @@
 #include <memory>
 #include <utility>
 
+#include "trace/DxTracer.h"
+#include "transport/XPipeManager.h"
+#include "transport/XPipeSuit.h"
+
 namespace {
 
 XManager* theManager = nullptr;
+
+// The pipes of a runner's language; null without a pipe manager.
+XPipeSuit* suiteOf(const DriveX& runner) {
+  XPipeManager* const manager = GetXPipeManager();
+  return manager != nullptr ? manager->getPipeSuit(runner.XName()) : nullptr;
+}
 
 }  // namespace
 
@@ -37,7 +47,32 @@ void XManager::stopX() {
   hosts_.clear();
 }
 
-void XManager::cleanup() { stopX(); }
+void XManager::addKovaDX(DriveX* runner) {
+  if (runner == nullptr) return;
+  std::unique_ptr<DriveX> taken(runner);
+  if (DxTracer* const tracer = GetDxTracer()) tracer->setXName(runner->XName());
+  if (XPipeSuit* const suite = suiteOf(*runner)) {
+    suite->increaseIndex();
+    runner->setIndex(suite->getIndex());
+  }
+  runners_.push_back(std::move(taken));
+}
+
+DriveX* XManager::getBackKovaDX() const { return runners_.empty() ? nullptr : runners_.back().get(); }
+
+void XManager::destoryKovaDX(DriveX* runner) {
+  if (runner == nullptr || runner != getBackKovaDX()) return;
+  runner->endThread();  // It uses the pipes that go with the index.
+  if (XPipeSuit* const suite = suiteOf(*runner)) suite->decreaseIndex();
+  runners_.pop_back();
+}
+
+void XManager::cleanup() {
+  // A thread that still runs uses its host.
+  for (auto runner = runners_.rbegin(); runner != runners_.rend(); ++runner) (*runner)->endThread();
+  stopX();
+  while (DriveX* const runner = getBackKovaDX()) destoryKovaDX(runner);
+}
 
 XManager* GetXManager() { return theManager; }
 

@@ -1,10 +1,11 @@
 #include "host/XManager.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
+
+#include "tests/transport/traced_test.h"
+#include "transport/XPipeManager.h"
+#include "transport/XPipeSuit.h"
 
 namespace {
 
@@ -123,6 +124,97 @@ TEST_F(XManagerTest, DeletesItsHostsAtItsEnd) {
     manager.addStatisticsX("R", new Host("r", &deleted_));
   }
   EXPECT_THAT(deleted_, ElementsAre("r"));
+}
+
+// A runner that tells when it is deleted.
+class Runner : public DriveX {
+ public:
+  Runner(const std::string& name, std::vector<std::string>* deleted)
+      : DriveX(name, nullptr, nullptr), deleted_(deleted) {}
+  ~Runner() override { deleted_->push_back("runner of " + XName()); }
+
+ private:
+  std::vector<std::string>* deleted_;
+};
+
+TEST_F(XManagerTest, RunnersNeedNeitherPipesNorTrace) {
+  EXPECT_EQ(manager_.getBackKovaDX(), nullptr);
+  manager_.addKovaDX(nullptr);
+  EXPECT_EQ(manager_.getBackKovaDX(), nullptr);
+  auto* const runner = new Runner("ECHO", &deleted_);
+  manager_.addKovaDX(runner);
+  EXPECT_EQ(manager_.getBackKovaDX(), runner);
+  EXPECT_EQ(runner->getIndex(), 0);
+  manager_.destoryKovaDX(nullptr);
+  manager_.destoryKovaDX(runner);
+  EXPECT_EQ(manager_.getBackKovaDX(), nullptr);
+  EXPECT_THAT(deleted_, ElementsAre("runner of ECHO"));
+}
+
+TEST_F(XManagerTest, HostsEndBeforeRunners) {
+  Add("R", "r");
+  Add("ECHO", "echo");
+  manager_.addKovaDX(new Runner("ONE", &deleted_));
+  manager_.addKovaDX(new Runner("TWO", &deleted_));
+  manager_.cleanup();
+  EXPECT_THAT(deleted_, ElementsAre("echo", "r", "runner of TWO", "runner of ONE"));
+}
+
+// With pipes and trace.
+class RunnerStack : public kova::TracedTest {
+ protected:
+  RunnerStack() { SetXPipeManager(&pipes_); }
+  ~RunnerStack() override { SetXPipeManager(nullptr); }
+
+  Runner* Push(const std::string& name) {
+    auto* const runner = new Runner(name, &deleted_);
+    manager_.addKovaDX(runner);
+    return runner;
+  }
+  int IndexOf(const std::string& name) { return pipes_.getPipeSuit(name)->getIndex(); }
+
+  std::vector<std::string> deleted_;
+  XPipeManager pipes_{"t\\", "1234"};
+  XManager manager_;
+};
+
+TEST_F(RunnerStack, ARunRaisesItsPipesAndNamesTheTrace) {
+  Runner* const outer = Push("ECHO");
+  EXPECT_EQ(outer->getIndex(), 0);
+  EXPECT_EQ(GetDxTracer()->getXName(), "ECHO");
+  Runner* const other = Push("R");
+  EXPECT_EQ(other->getIndex(), 0);
+  EXPECT_EQ(GetDxTracer()->getXName(), "R");
+  Runner* const inner = Push("ECHO");
+  EXPECT_EQ(inner->getIndex(), 1);
+  EXPECT_EQ(manager_.getBackKovaDX(), inner);
+  EXPECT_EQ(IndexOf("ECHO"), 1);
+  EXPECT_EQ(IndexOf("R"), 0);
+}
+
+TEST_F(RunnerStack, OnlyTheLastRunEnds) {
+  Runner* const outer = Push("ECHO");
+  Runner* const inner = Push("ECHO");
+  manager_.destoryKovaDX(outer);
+  EXPECT_EQ(manager_.getBackKovaDX(), inner);
+  EXPECT_EQ(IndexOf("ECHO"), 1);
+  EXPECT_THAT(deleted_, IsEmpty());
+  manager_.destoryKovaDX(inner);
+  EXPECT_EQ(manager_.getBackKovaDX(), outer);
+  EXPECT_EQ(IndexOf("ECHO"), 0);
+  manager_.destoryKovaDX(outer);
+  EXPECT_EQ(IndexOf("ECHO"), -1);
+  EXPECT_EQ(deleted_.size(), 2u);
+}
+
+TEST_F(RunnerStack, CleanupLowersEveryIndex) {
+  Push("ECHO");
+  Push("ECHO");
+  Push("R");
+  manager_.cleanup();
+  EXPECT_EQ(IndexOf("ECHO"), -1);
+  EXPECT_EQ(IndexOf("R"), -1);
+  EXPECT_EQ(deleted_.size(), 3u);
 }
 
 TEST_F(XManagerTest, TheProcessesOwnIsPlainlyStored) {

@@ -81,12 +81,15 @@ DxTracer* GetDxTracer() { return installedTracer.load(std::memory_order_acquire)
 
 void SetDxTracer(DxTracer* tracer) { installedTracer.store(tracer, std::memory_order_release); }
 
-void DxTrace(const std::string& message) {
-  if (DxTracer* const tracer = GetDxTracer()) tracer->write(message);
-}
-
-void DxTraceError(const std::string& message, int code) {
+// Nothing is put together for a trace that nobody writes.
+void DxTrace(std::string_view message) {
   DxTracer* const tracer = GetDxTracer();
   if (tracer == nullptr || !tracer->isOpen()) return;
-  tracer->write(message + " error code : " + std::to_string(code) + '.');
+  tracer->write(std::string(message));
+}
+
+void DxTraceError(std::string_view message, int code) {
+  DxTracer* const tracer = GetDxTracer();
+  if (tracer == nullptr || !tracer->isOpen()) return;
+  tracer->write(std::string(message) + " error code : " + std::to_string(code) + '.');
 }

@@ -9,6 +9,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "export.h"
 
@@ -50,7 +51,7 @@ KOVADX_API void SetDxTracer(DxTracer* tracer);
 
 // Writes one record through the installed tracer: the message, or the message and " error code : <code>.". Without a
 // tracer or without a file both return at once.
-void DxTrace(const std::string& message);
-void DxTraceError(const std::string& message, int code);
+void DxTrace(std::string_view message);
+void DxTraceError(std::string_view message, int code);
 
 #endif

@@ -20,6 +20,7 @@ struct BackendTraits {
   int terminatedCode;                 // The exit code that Process::Terminate leaves.
   int interruptedCode;                // The exit code of the child that Interrupt ended, or Terminate where it can not.
   os::Error startTextFile;            // Process::Start of a file that is no program.
+  os::Error loadTextFile;             // LoadSharedLibrary of a file that is no library.
   os::Error killEndedThread;          // KillThread of a thread that has ended.
   os::Error pauseThread;              // PauseThread and ContinueThread.
   char pathSeparator;
@@ -43,6 +44,7 @@ constexpr BackendTraits kBackend = {
     .terminatedCode = 137,
     .interruptedCode = 33,
     .startTextFile = os::kFileNotFound,
+    .loadTextFile = 126,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kNotSupported,
     .pathSeparator = '/',
@@ -65,6 +67,7 @@ constexpr BackendTraits kBackend = {
     .terminatedCode = 137,
     .interruptedCode = 137,
     .startTextFile = 193,
+    .loadTextFile = 193,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kSuccess,
     .pathSeparator = '\\',
@@ -87,6 +90,7 @@ constexpr BackendTraits kBackend = {
     .terminatedCode = 137,
     .interruptedCode = 33,
     .startTextFile = 193,
+    .loadTextFile = 193,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kNotSupported,
     .pathSeparator = '/',

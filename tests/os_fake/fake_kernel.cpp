@@ -127,6 +127,7 @@ void reset() {
   k.sleptMs = k.advancedMs = k.yieldedUs = 0;
   k.patienceMs = 200;
   resetFiles();
+  resetLibraries();
   resetPipes();
   resetProcesses();
 }

@@ -113,6 +113,7 @@ void closePipesOf(const ProcessState& process);
 
 // What reset() has each part do, under the lock.
 void resetFiles();
+void resetLibraries();
 void resetPipes();
 void resetProcesses();
 

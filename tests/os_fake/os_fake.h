@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -89,6 +90,20 @@ bool requestEnd();
 
 // While it is told so, every copy of a file waits before it begins.
 void holdCopies(bool hold);
+
+// ---- Libraries. LoadSharedLibrary finds only what was added here; paths are compared with '\' and '/' alike, and one
+// without a "." in its last component gets ".dll".
+
+struct Library {
+  std::map<std::string, void*> symbols;
+  std::function<void()> onLoad;  // Called by each load that works.
+  // What LoadSharedLibrary gives instead of loading it.
+  os::Error loadError = os::kSuccess;
+};
+void registerLibrary(const std::string& path, Library library);
+
+// How many handles of libraries are held.
+unsigned loadedLibraries();
 
 // ---- This process.
 
