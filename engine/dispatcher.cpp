@@ -19,6 +19,7 @@
 #include "engine/pivot_handlers.h"
 #include "engine/response_set_handlers.h"
 #include "engine/session_handlers.h"
+#include "engine/socket_handlers.h"
 #include "engine/split_handlers.h"
 #include "engine/temp_file_handlers.h"
 #include "engine/xpath_handlers.h"
@@ -61,10 +62,11 @@ Table makeTable() {
 #include "message/commands.def"
 #undef KOVA_COMMAND
   for (const Looser& row : kLooser) table.at(static_cast<std::size_t>(row.command)).requestItems = row.requestItems;
-  for (const auto rows : {controlHandlers(), dictionaryHandlers(), dictionarySetters(), labelHandlers(),
-                          cursorHandlers(), attributeHandlers(), responseSetHandlers(), sessionHandlers(),
-                          splitHandlers(), outputHandlers(), pivotHandlers(), cellHandlers(), dataSetHandlers(),
-                          dataStepHandlers(), xpathHandlers(), newVariableHandlers(), tempFileHandlers()}) {
+  for (const auto rows :
+       {controlHandlers(), dictionaryHandlers(), dictionarySetters(), labelHandlers(), cursorHandlers(),
+        attributeHandlers(), responseSetHandlers(), sessionHandlers(), socketHandlers(), splitHandlers(),
+        outputHandlers(), pivotHandlers(), cellHandlers(), dataSetHandlers(), dataStepHandlers(), xpathHandlers(),
+        newVariableHandlers(), tempFileHandlers()}) {
     for (const HandlerRow& row : rows) table.at(static_cast<std::size_t>(row.command)).handler = row.handler;
   }
   return table;

@@ -50,6 +50,7 @@ class ForeignRequests : public testing::Test {
   void beginAnew() {
     auto penguins = std::make_unique<DataSet>(penguins_);
     state_ = EngineState();
+    state_.runtimeSocket.setAcceptLimitMs(0);
     state_.active = penguins.get();
     state_.dataSets.push_back(std::move(penguins));
   }

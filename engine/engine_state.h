@@ -1,5 +1,5 @@
-// What the engine knows: its data sets, which of them is active, the syntax that was submitted, and its settings.
-// Changed by request handlers alone, one at a time.
+// What the engine knows: its data sets, which of them is active, the syntax that was submitted, its settings, its
+// output and the socket for a runtime. Changed by request handlers alone, one at a time.
 #ifndef KOVADX_ENGINE_ENGINE_STATE_H
 #define KOVADX_ENGINE_ENGINE_STATE_H
 
@@ -14,6 +14,7 @@
 #include "engine/data_set.h"
 #include "engine/data_step.h"
 #include "engine/output_state.h"
+#include "engine/runtime_socket.h"
 #include "engine/session.h"
 
 namespace kova::engine {
@@ -29,6 +30,7 @@ struct EngineState {
   std::vector<std::string> submittedSyntax;
   Session session;
   OutputState output;
+  RuntimeSocket runtimeSocket;
 };
 
 }  // namespace kova::engine

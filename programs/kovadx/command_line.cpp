@@ -21,6 +21,7 @@ constexpr const char* kExamples =
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
     "  kovadx decode request.bin\n"
     "  kovadx explain 99104\n"
+    "  kovadx monitor 1a2bPYTHON\n"
     "\n"
     "Exit code of run: the program's own, or 128 + the signal that ended it; 127 when the program was not found, 126 "
     "when it\n"
@@ -31,6 +32,14 @@ std::string checkName(const std::string& name) {
   const auto isPlain = [](unsigned char c) { return c < 0x80 && (std::isalnum(c) != 0 || c == '_'); };
   if (!name.empty() && name.size() <= kLongestName && std::all_of(name.begin(), name.end(), isPlain)) return "";
   return "expected 1 to 32 letters, digits and underscores, found \"" + name + "\"";
+}
+
+constexpr std::size_t kLongestSuiteName = 200;
+
+std::string checkSuiteName(const std::string& name) {
+  const bool isPlain =
+      !name.empty() && name.size() <= kLongestSuiteName && name.find_first_of("\\/") == std::string::npos;
+  return isPlain ? "" : "expected a process-id text and an instance name, as in 1a2bPYTHON, found \"" + name + "\"";
 }
 
 // An empty value is a variable of the caller's script that is not set.
@@ -104,6 +113,16 @@ CLI::App* addExplain(CLI::App* app, ExplainOptions& options) {
   return explain;
 }
 
+CLI::App* addMonitor(CLI::App* app, MonitorOptions& options) {
+  CLI::App* monitor =
+      app->add_subcommand("monitor", "Show the state of a pipe suite once a second: kovadx monitor [--count N] NAME");
+  monitor->add_option("NAME", options.name, "What its pipe names begin with: process-id text and instance name")
+      ->required()
+      ->check(checkSuiteName);
+  monitor->add_option("--count", options.count, "How many lines to print (until Ctrl-C)");
+  return monitor;
+}
+
 // What is missing or too much beside the options; empty when all is there.
 std::string problemOf(const RunOptions& options) {
   if (options.language.empty()) {
@@ -124,6 +143,7 @@ std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int*
   RunOptions run;
   DecodeOptions decode;
   ExplainOptions explain;
+  MonitorOptions monitor;
   if (!arguments.empty() && arguments.front() == "run") run.program = takeProgram(&arguments);
   CLI::App app("Runs programs that talk to a statistics engine.", "kovadx");
   app.allow_windows_style_options(false);  // A path may begin with "/".
@@ -133,6 +153,7 @@ std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int*
   addRun(&app, run);
   const CLI::App* const toDecode = addDecode(&app, decode);
   const CLI::App* const toExplain = addExplain(&app, explain);
+  const CLI::App* const toMonitor = addMonitor(&app, monitor);
   try {
     std::reverse(arguments.begin(), arguments.end());  // The parser takes them from the back.
     app.parse(arguments);
@@ -142,6 +163,7 @@ std::optional<Command> parseCommandLine(std::vector<std::string> arguments, int*
   }
   if (toDecode->parsed()) return decode;
   if (toExplain->parsed()) return explain;
+  if (toMonitor->parsed()) return monitor;
   if (const std::string problem = problemOf(run); !problem.empty()) {
     printError(problem);
     *exitCode = kOwnFailure;

@@ -34,7 +34,13 @@ struct ExplainOptions {
   std::string code;  // Empty for all of them.
 };
 
-using Command = std::variant<RunOptions, DecodeOptions, ExplainOptions>;
+// What "kovadx monitor" was asked for.
+struct MonitorOptions {
+  std::string name;    // What the suite's pipe names begin with: the process-id text and the instance name.
+  unsigned count = 0;  // How many lines are printed; 0 for no end.
+};
+
+using Command = std::variant<RunOptions, DecodeOptions, ExplainOptions, MonitorOptions>;
 
 // Reads the arguments (without kovadx itself). Nothing when there is nothing to do: the help or the version has then
 // been printed, or an error in one line, and *exitCode is what kovadx ends with.

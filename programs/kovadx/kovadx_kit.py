@@ -13,6 +13,7 @@ import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -21,6 +22,14 @@ EXPECTED = (HERE / "penguins_dictionary.txt").read_text().splitlines()
 PATIENCE = 90  # Seconds for a run as a whole; an emulator's first start takes some.
 
 options = argparse.Namespace()  # Those of the command line, filled by run_tests.
+
+
+def wait_until(condition, what):
+    end = time.monotonic() + PATIENCE
+    while not condition():
+        if time.monotonic() > end:
+            raise AssertionError(f"waited in vain: {what}")
+        time.sleep(0.005)
 
 
 class KovadxTest(unittest.TestCase):

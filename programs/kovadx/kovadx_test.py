@@ -8,7 +8,7 @@ import subprocess
 import threading
 import time
 
-from kovadx_kit import EXPECTED, HERE, PATIENCE, PENGUINS, KovadxTest, options, run_tests
+from kovadx_kit import EXPECTED, HERE, PATIENCE, PENGUINS, KovadxTest, options, run_tests, wait_until
 
 
 def is_alive(pid):
@@ -18,14 +18,6 @@ def is_alive(pid):
     except (FileNotFoundError, ProcessLookupError):
         return False
     return state != "Z"
-
-
-def wait_until(condition, what):
-    end = time.monotonic() + PATIENCE
-    while not condition():
-        if time.monotonic() > end:
-            raise AssertionError(f"waited in vain: {what}")
-        time.sleep(0.005)
 
 
 class Home(KovadxTest):

@@ -7,6 +7,7 @@
 #include "command_line.h"
 #include "decode_command.h"
 #include "explain_command.h"
+#include "monitor_command.h"
 #include "run_command.h"
 
 namespace {
@@ -14,6 +15,7 @@ namespace {
 int perform(const kova::program::RunOptions& options) { return kova::program::runCommand(options); }
 int perform(const kova::program::DecodeOptions& options) { return kova::program::decodeCommand(options.path); }
 int perform(const kova::program::ExplainOptions& options) { return kova::program::explainCommand(options.code); }
+int perform(const kova::program::MonitorOptions& options) { return kova::program::monitorCommand(options); }
 
 }  // namespace
 

@@ -229,10 +229,18 @@ KOVADX_API int GetZenthorServerMode(void);
 /** Sets the engine's server mode. */
 KOVADX_API int SetZenthorServerMode(int mode);
 
-/** Has the engine make a socket for a runtime to connect to, and stores its port. */
+/**
+ * Has the engine make a TCP socket for a runtime to connect to, and stores the port that the system has chosen. An
+ * earlier socket is closed, and the connection of its runtime with it. The engine listens on every interface of its
+ * machine. 99121 or 99122 when no such socket can be made.
+ */
 KOVADX_API int CreateSocket(int* port);
 
-/** Has the engine wait until a runtime has connected to the socket of CreateSocket. */
+/**
+ * Has the engine wait until a runtime has connected to the socket of CreateSocket; 0 at once when one has. The engine
+ * carries out no other request meanwhile, so it gives up after a while (the reference engine after 4 seconds: 98131);
+ * the call can then be made again. 98130 without a socket, 99121 when the runtime can not be taken in.
+ */
 KOVADX_API int AcceptSocket(void);
 
 /** @} */

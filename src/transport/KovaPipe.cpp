@@ -33,8 +33,9 @@ KovaPipe::~KovaPipe() {
 int KovaPipe::CreatePipe() {
   if (name_.empty()) return kova::kPipeWithoutName;
   ClosePipe();  // An end that is still held could not be closed by anyone afterwards.
-  handle_ = invalidHandle();
-  const os::Error error = os::CreateMessagePipe(name_.c_str(), kova::kPipeChunk, &handle_);
+  os::NativeHandle created = invalidHandle();
+  const os::Error error = os::CreateMessagePipe(name_.c_str(), kova::kPipeChunk, &created);
+  Hold(created);
   if (error != os::kSuccess) {
     TraceFailure(" CreateNamedPipe", error);
     return kova::kPipeFailed;
@@ -66,8 +67,9 @@ int KovaPipe::DisconnectPipe() {
 
 int KovaPipe::ClosePipe() {
   if (!HasPipe()) return 0;
-  os::ClosePipeHandle(handle_);
-  handle_ = nullptr;
+  os::NativeHandle closed = handle_;
+  Hold(nullptr);
+  os::ClosePipeHandle(closed);
   writeConnected_ = false;
   connectTried_ = false;
   created_ = false;
@@ -75,22 +77,34 @@ int KovaPipe::ClosePipe() {
   return 0;
 }
 
-int KovaPipe::KOVACreateFile() {
+int KovaPipe::KOVACreateFile() { return CreateFileWaiting(os::kWaitForever) == os::kSuccess ? 0 : kova::kPipeFailed; }
+
+int KovaPipe::TryCreateFile() {
+  const unsigned int error = CreateFileWaiting(0);
+  if (error == os::kPipeBusy) return static_cast<int>(error);
+  return error == os::kSuccess ? 0 : kova::kPipeFailed;
+}
+
+unsigned int KovaPipe::CreateFileWaiting(unsigned int timeoutMs) {
   ClosePipe();
-  handle_ = invalidHandle();
-  const os::Error error = os::AwaitServer(name_.c_str(), os::kWaitForever);
+  Hold(invalidHandle());
+  const os::Error error = os::AwaitServer(name_.c_str(), timeoutMs);
+  const bool isTaken = timeoutMs == 0 && error == os::kSemTimeout;
   if (error != os::kSuccess) {
-    TraceFailure(" KOVACreateFile", error);
-    return kova::kPipeFailed;
+    if (!isTaken) TraceFailure(" KOVACreateFile", error);
+    return isTaken ? os::kPipeBusy : error;
   }
   // Deliberate: a failed open is not traced here, only a failed wait.
-  const os::Error opened = os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::Wait, &handle_);
-  return opened == os::kSuccess ? 0 : kova::kPipeFailed;
+  const auto whenTaken = timeoutMs == 0 ? os::WhenTaken::GiveUp : os::WhenTaken::Wait;
+  os::NativeHandle opened = invalidHandle();
+  const os::Error result = os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, whenTaken, &opened);
+  Hold(opened);
+  return result;
 }
 
 int KovaPipe::KOVACreateFileR() {
   ClosePipe();
-  handle_ = invalidHandle();
+  Hold(invalidHandle());
   os::Error error = os::AwaitServer(name_.c_str(), os::kWaitForever);
   for (unsigned waits = 1; error != os::kSuccess; ++waits) {
     if (waits == kOpenWaits) return kova::kPipeFailed;  // Deliberate: the last failed wait is not traced.
@@ -99,7 +113,9 @@ int KovaPipe::KOVACreateFileR() {
     os::SleepMs(kOpenPauseMs);
     error = os::AwaitServer(name_.c_str(), os::kWaitForever);
   }
-  error = os::OpenPipe(name_.c_str(), os::PipeAccess::Read, os::WhenTaken::Wait, &handle_);
+  os::NativeHandle opened = invalidHandle();
+  error = os::OpenPipe(name_.c_str(), os::PipeAccess::Read, os::WhenTaken::Wait, &opened);
+  Hold(opened);
   if (error == os::kSuccess) return 0;
   TraceFailure(" KOVACreateFileR", error);
   return kova::kPipeFailed;
@@ -112,7 +128,7 @@ int KovaPipe::OpenPipeToUnBlockWrite() {
   // the result nor the flag tells whether the open worked.
   os::NativeHandle opened = invalidHandle();
   os::OpenPipe(name_.c_str(), os::PipeAccess::ReadWrite, os::WhenTaken::GiveUp, &opened);
-  handle_ = opened;
+  Hold(opened);
   writeConnected_ = true;
   return 0;
 }
@@ -174,7 +190,13 @@ int KovaPipe::FlushPipe() {
 }
 
 void KovaPipe::CancelWait() {
+  const std::lock_guard<std::mutex> hold(handleGuard_);
   if (HasPipe()) os::CancelPipeWait(handle_);
+}
+
+void KovaPipe::DeclarePeerGone() {
+  const std::lock_guard<std::mutex> hold(handleGuard_);
+  if (HasPipe()) os::DeclarePeerGone(handle_);
 }
 
 const char* KovaPipe::GetPipeName(int& length) const {
@@ -183,6 +205,11 @@ const char* KovaPipe::GetPipeName(int& length) const {
 }
 
 void KovaPipe::SetPipeName(std::string name) { name_ = std::move(name); }
+
+void KovaPipe::Hold(void* handle) {
+  const std::lock_guard<std::mutex> hold(handleGuard_);
+  handle_ = handle;
+}
 
 bool KovaPipe::HasPipe() const { return handle_ != nullptr && handle_ != invalidHandle(); }
 

@@ -1,14 +1,16 @@
 // One end of one named message pipe, used in one direction by convention: the side that listens creates the pipe and
 // waits for its peer, the other side opens it by name.
 //
-// An object owns the handle it holds and closes it when it is destroyed. It has no lock: one thread at a time uses it.
-// Every wait blocks without limit unless ChangeToUnBlockMode was called.
+// An object owns the handle it holds and closes it when it is destroyed. One thread at a time uses it; CancelWait and
+// DeclarePeerGone alone may be called on any thread, at any time of the object's life. Every wait blocks without limit
+// unless ChangeToUnBlockMode was called.
 //
 // Results are 0 for success, one of the codes below, or a Windows error number passed through unchanged. Every failure
 // writes one trace record, the pipe's name followed by the operation's label, with the error number.
 #ifndef KOVADX_TRANSPORT_KOVAPIPE_H
 #define KOVADX_TRANSPORT_KOVAPIPE_H
 
+#include <mutex>
 #include <string>
 
 #include "export.h"
@@ -53,6 +55,10 @@ class KOVADX_API KovaPipe {
   // writing. 99104 when there is no such pipe or it can not be opened.
   int KOVACreateFile();
 
+  // As KOVACreateFile, but 231 at once, without a trace, while all server ends are taken: for callers that must be able
+  // to end the wait.
+  int TryCreateFile();
+
   // Client side, reading only: waits up to 100 times 100 ms for the pipe to come into being. 99104 when it never came
   // or can not be opened, the error number when the wait fails for another reason.
   int KOVACreateFileR();
@@ -88,10 +94,14 @@ class KOVADX_API KovaPipe {
   // Waits until the peer has read everything, where the platform can. Always 0.
   int FlushPipe();
 
-  // Wakes the thread that is blocked in an operation of this object; that operation fails with 995, and so does every
-  // later one that would have to wait, until the pipe is closed. The one operation that another thread may call, as
-  // long as the pipe is neither opened nor closed meanwhile.
+  // Wakes the thread that is blocked in an operation on the handle; that operation fails with 995, and so does every
+  // later one that would have to wait, until the pipe is closed. Nothing without a handle.
   void CancelWait();
+
+  // Tells that the peer's process has ended: ConnectPipe takes a client that came before that, ReadData what was
+  // written before that, and both give 109 then instead of waiting. Holds until the pipe is disconnected or closed.
+  // Nothing without a handle.
+  void DeclarePeerGone();
 
   // The pipe's full name, "\\.\pipe\...". The pointer lives until the name is set anew or the object ends.
   std::string GetPipeName() const { return name_; }
@@ -109,6 +119,8 @@ class KOVADX_API KovaPipe {
 
  private:
   void TraceFailure(const char* label, unsigned int error) const noexcept;
+  void Hold(void* handle);
+  unsigned int CreateFileWaiting(unsigned int timeoutMs);
 
   // Null when there is none; all bits set (the platform's invalid handle) after an open that failed.
   void* handle_ = nullptr;
@@ -116,6 +128,8 @@ class KOVADX_API KovaPipe {
   bool writeConnected_ = false;
   bool connectTried_ = false;
   bool created_ = false;
+  // Held where the handle changes or another thread uses it: what that thread uses is then not closed meanwhile.
+  std::mutex handleGuard_;
 };
 
 #endif

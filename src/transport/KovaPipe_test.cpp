@@ -76,6 +76,39 @@ TEST_F(KovaPipeTest, CreateMakesAServerEnd) {
   EXPECT_THAT(kova::fake::calls(), testing::Contains("CreateMessagePipe " + kName));
 }
 
+TEST_F(KovaPipeTest, TryingToOpenNeverWaits) {
+  EXPECT_EQ(client_.TryCreateFile(), 99104);
+  EXPECT_THAT(Traced(), ElementsAre(kName + " KOVACreateFile error code : 2."));
+  server_.CreatePipe();
+  EXPECT_EQ(client_.TryCreateFile(), 0);
+  KovaPipe second(kName);
+  EXPECT_EQ(second.TryCreateFile(), 231);
+  EXPECT_FALSE(second.HasPipe());
+  fail("OpenPipe", 231);
+  client_.ClosePipe();
+  server_.DisconnectPipe();
+  Traced();
+  fail("AwaitServer", 121);
+  EXPECT_EQ(client_.TryCreateFile(), 231);
+  EXPECT_THAT(Traced(), IsEmpty()) << "a pipe that is taken is no failure";
+}
+
+TEST_F(KovaPipeTest, AGonePeerIsNotWaitedFor) {
+  server_.DeclarePeerGone();
+  server_.CreatePipe();
+  client_.KOVACreateFile();
+  client_.WriteData("x", 1, nullptr);
+  server_.DeclarePeerGone();
+  EXPECT_EQ(server_.ConnectPipe(), 535);
+  char area[8];
+  unsigned long read = 0;
+  EXPECT_EQ(server_.ReadData(8, area, read), 0);
+  EXPECT_EQ(server_.ReadData(8, area, read), 109);
+  EXPECT_EQ(server_.DisconnectPipe(), 0);
+  server_.DeclarePeerGone();
+  EXPECT_EQ(server_.ConnectPipe(), 109);
+}
+
 TEST_F(KovaPipeTest, CreatingAgainReleasesTheEarlierEnd) {
   server_.CreatePipe();
   EXPECT_EQ(server_.CreatePipe(), 0);

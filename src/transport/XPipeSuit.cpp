@@ -1,5 +1,7 @@
 #include "transport/XPipeSuit.h"
 
+#include "transport/DXCmdDispatcher.h"
+#include "transport/MonitorThread.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipes.h"
 
@@ -7,6 +9,9 @@ XPipeSuit::XPipeSuit(const std::string& name, XPipeManager* manager) : name_(nam
 
 XPipeSuit::~XPipeSuit() {
   while (!sets_.empty()) sets_.pop_back();
+  dispatcher_.reset();
+  parentToChild_.reset();
+  childToParent_.reset();
 }
 
 std::string XPipeSuit::getPipeNamePrefix() const { return "\\\\.\\pipe\\" + manager_->getPipePid() + name_; }
@@ -29,3 +34,25 @@ XPipes* XPipeSuit::getXPipes(int index) {
   if (index < 0 || index > index_ || index >= static_cast<int>(sets_.size())) return nullptr;
   return sets_[static_cast<std::size_t>(index)].get();
 }
+
+DXCmdDispatcher* XPipeSuit::getCmdDispatcher(bool flag) {
+  if (!dispatcher_) dispatcher_ = std::make_unique<DXCmdDispatcher>(getPipeNamePrefix(), flag);
+  return dispatcher_.get();
+}
+
+MonitorThread* XPipeSuit::startMonitor(bool parentToChild, void* context) {
+  std::unique_ptr<MonitorThread>& place = monitor(parentToChild);
+  if (place) return place.get();
+  const int role = parentToChild ? MonitorThread::kReader : MonitorThread::kWriter;
+  place = std::make_unique<MonitorThread>(getPipeNamePrefix() + (parentToChild ? "P2C" : "C2P"), role);
+  place->setEndCallback(reinterpret_cast<MonitorThread::EndCallback>(context));
+  place->Start();
+  return place.get();
+}
+
+int XPipeSuit::stopMonitor(bool parentToChild) {
+  if (MonitorThread* const present = getMonitor(parentToChild)) present->stop();
+  return 0;
+}
+
+MonitorThread* XPipeSuit::getMonitor(bool parentToChild) { return monitor(parentToChild).get(); }

@@ -1,8 +1,10 @@
 // The pipe sets of one runtime, one for each level of nested runs. The current index selects the set that calls use
-// now; a nested run raises it, so that nested conversations never share a pipe.
+// now; a nested run raises it, so that nested conversations never share a pipe. Besides, on demand, the runtime's
+// control channel and the two monitors of its process.
 //
-// It owns its sets; the manager that it belongs to must outlive it. No lock: the thread that drives the runtime uses
-// it.
+// It owns its sets, the control channel and the monitors; the manager that it belongs to must outlive it. No lock: the
+// thread that drives the runtime uses it. Its owner ends the threads that use the control channel before it destroys
+// it; what such a thread still waits for ends then.
 #ifndef KOVADX_TRANSPORT_XPIPESUIT_H
 #define KOVADX_TRANSPORT_XPIPESUIT_H
 
@@ -12,6 +14,8 @@
 
 #include "export.h"
 
+class DXCmdDispatcher;
+class MonitorThread;
 class XPipeManager;
 class XPipes;
 
@@ -22,7 +26,7 @@ class KOVADX_API XPipeSuit {
   XPipeSuit(const XPipeSuit&) = delete;
   XPipeSuit& operator=(const XPipeSuit&) = delete;
 
-  // Destroys the sets, the last one first.
+  // Destroys the sets, the last one first, then the control channel, then the monitors, parent to child first.
   ~XPipeSuit();
 
   const std::string& XName() const { return name_; }
@@ -44,11 +48,34 @@ class KOVADX_API XPipeSuit {
   // The set of that index; null when it is negative or greater than the current index.
   XPipes* getXPipes(int index);
 
+  // The control channel on the suite's own name, made at the first call: false for the engine's side, true for the
+  // runtime's. Deliberate: the flag of later calls is ignored. Owned by the suite.
+  DXCmdDispatcher* getCmdDispatcher(bool flag);
+
+  // Makes and starts a monitor, or gives the one that is there: the reader of "<prefix>P2C" for true, the writer of
+  // "<prefix>C2P" for false, which are the runtime process's two; the engine makes its own MonitorThread objects for
+  // the other ends. `context` is the address of the end callback, void (*)(MonitorThread*), or null. Owned by the
+  // suite.
+  MonitorThread* startMonitor(bool parentToChild, void* context);
+
+  // Asks that monitor to stop, when there is one. Always 0.
+  int stopMonitor(bool parentToChild);
+
+  // That monitor; null when there is none.
+  MonitorThread* getMonitor(bool parentToChild);
+
  private:
+  std::unique_ptr<MonitorThread>& monitor(bool parentToChild) {
+    return parentToChild ? parentToChild_ : childToParent_;
+  }
+
   std::string name_;
   XPipeManager* manager_;
   int index_ = -1;
   std::vector<std::unique_ptr<XPipes>> sets_;  // Entry i serves index i.
+  std::unique_ptr<MonitorThread> parentToChild_;
+  std::unique_ptr<MonitorThread> childToParent_;
+  std::unique_ptr<DXCmdDispatcher> dispatcher_;
 };
 
 #endif

@@ -2,6 +2,8 @@
 #ifndef KOVADX_TESTS_KIT_BACKEND_TRAITS_H
 #define KOVADX_TESTS_KIT_BACKEND_TRAITS_H
 
+#include <cerrno>
+
 #include "platform/os/error.h"
 
 namespace kova::kit {
@@ -23,6 +25,7 @@ struct BackendTraits {
   os::Error loadTextFile;             // LoadSharedLibrary of a file that is no library.
   os::Error killEndedThread;          // KillThread of a thread that has ended.
   os::Error pauseThread;              // PauseThread and ContinueThread.
+  int refusedNumber;                  // The platform's own number of a connection that was refused.
   char pathSeparator;
   char listSeparator;
   const char* nativePath;  // What NativePath makes of "a\b/c".
@@ -47,6 +50,7 @@ constexpr BackendTraits kBackend = {
     .loadTextFile = 126,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kNotSupported,
+    .refusedNumber = 80061,
     .pathSeparator = '/',
     .listSeparator = ':',
     .nativePath = "a/b/c",
@@ -70,6 +74,7 @@ constexpr BackendTraits kBackend = {
     .loadTextFile = 193,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kSuccess,
+    .refusedNumber = 10061,
     .pathSeparator = '\\',
     .listSeparator = ';',
     .nativePath = "a\\b/c",
@@ -93,6 +98,7 @@ constexpr BackendTraits kBackend = {
     .loadTextFile = 193,
     .killEndedThread = os::kSuccess,
     .pauseThread = os::kNotSupported,
+    .refusedNumber = ECONNREFUSED,
     .pathSeparator = '/',
     .listSeparator = ':',
     .nativePath = "a/b/c",

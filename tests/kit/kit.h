@@ -52,7 +52,7 @@ std::string scratchPath(const std::string& fileName);
 // Lets a file be started as a program, where the platform asks for that.
 void makeExecutable(const std::string& path);
 
-// How many descriptors or handles this process has open; under the fake backend, how many pipe ends.
+// How many descriptors or handles this process has open; under the fake backend, how many pipe ends and sockets.
 int openHandleCount();
 
 // Runs the child function that the arguments name; -1 when they name none.

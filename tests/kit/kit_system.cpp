@@ -23,6 +23,15 @@ int systemHandleCount() {
   return GetProcessHandleCount(GetCurrentProcess(), &count) ? static_cast<int>(count) : -1;
 }
 
+std::uint64_t processorMs() {
+  FILETIME created, ended, system, user;
+  if (!GetProcessTimes(GetCurrentProcess(), &created, &ended, &system, &user)) return 0;
+  const auto in100ns = [](const FILETIME& time) {
+    return static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+  };
+  return (in100ns(system) + in100ns(user)) / 10000;
+}
+
 }  // namespace kova::kit
 
 #else
@@ -32,6 +41,7 @@ int systemHandleCount() {
 #include <unistd.h>
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 
 namespace kova::kit {
@@ -80,13 +90,15 @@ int systemHandleCount() {
   return count - 3;  // ".", ".." and the folder's own descriptor.
 }
 
+std::uint64_t processorMs() { return static_cast<std::uint64_t>(std::clock()) * 1000 / CLOCKS_PER_SEC; }
+
 }  // namespace kova::kit
 #endif
 
 namespace kova::kit {
 
 #ifdef KOVA_KIT_FAKE
-int openHandleCount() { return static_cast<int>(fake::openPipeEnds()); }
+int openHandleCount() { return static_cast<int>(fake::openPipeEnds() + fake::openSockets()); }
 #else
 int openHandleCount() { return systemHandleCount(); }
 #endif

@@ -2,6 +2,7 @@
 #ifndef KOVADX_TESTS_KIT_KIT_SYSTEM_H
 #define KOVADX_TESTS_KIT_KIT_SYSTEM_H
 
+#include <cstdint>
 #include <string>
 
 namespace kova::kit {
@@ -17,6 +18,9 @@ std::string leftPipeFiles();
 
 // How many descriptors or handles the system counts for this process; -1 when it does not tell.
 int systemHandleCount();
+
+// The processor time that this process has used, all threads together, in milliseconds.
+std::uint64_t processorMs();
 
 // Has an interrupt end this program and the ones that it starts, also where a shell that runs the tests in the
 // background wants it ignored.

@@ -130,6 +130,7 @@ void reset() {
   resetLibraries();
   resetPipes();
   resetProcesses();
+  resetSockets();
 }
 
 void fail(const char* function, os::Error error, unsigned after, unsigned count) {

@@ -111,11 +111,15 @@ class Call {
 // Closes the pipe ends that an ended program has left open. Called with the kernel locked.
 void closePipesOf(const ProcessState& process);
 
+// The same for its sockets.
+void closeSocketsOf(const ProcessState& process);
+
 // What reset() has each part do, under the lock.
 void resetFiles();
 void resetLibraries();
 void resetPipes();
 void resetProcesses();
+void resetSockets();
 
 }  // namespace kova::fake
 

@@ -42,6 +42,7 @@ struct End {
   std::uint32_t bufferSize = 0;
   bool listening = false;
   bool cancelled = false;
+  bool peerGone = false;
   bool noWait = false;
   bool mayWrite = true;
   std::shared_ptr<Connection> connection;
@@ -101,6 +102,7 @@ void destroy(End* end) {
 
 // Why a read that finds no message does not wait; kSuccess when it should.
 Error whyNotToWait(const End& end, const Connection* connection) {
+  if (end.peerGone) return kBrokenPipe;
   if (connection->disconnected) return kPipeNotConnected;
   const Lane& lane = end.server ? connection->toServer : connection->toClient;
   if (lane.writerGone) return kBrokenPipe;
@@ -133,6 +135,7 @@ Error readMessage(Call& call, NativeHandle pipe, void* buffer, std::uint32_t siz
   End* const end = endOf(pipe);
   if (!end) return kInvalidHandle;
   if (end->cancelled) return kOperationAborted;
+  if (!end->connection && end->peerGone) return kBrokenPipe;
   if (!end->connection) return end->listening ? kPipeListening : kPipeNotConnected;
   // A disconnect on another thread takes the connection from the end.
   const std::shared_ptr<Connection> connection = end->connection;
@@ -182,8 +185,9 @@ Error AcceptPeer(NativeHandle pipe) {
   if (end->connection) return kPipeConnected;
   end->listening = true;
   Call::notify();
-  call.wait([&] { return end->connection || end->cancelled; });
-  return end->connection ? kSuccess : kOperationAborted;
+  call.wait([&] { return end->connection || end->cancelled || end->peerGone; });
+  if (end->connection) return kSuccess;
+  return end->cancelled ? kOperationAborted : kBrokenPipe;
 }
 
 Error DisconnectPeer(NativeHandle pipe) {
@@ -191,6 +195,7 @@ Error DisconnectPeer(NativeHandle pipe) {
   if (call.failure()) return *call.failure();
   End* const end = endOf(pipe);
   if (!end || !end->server) return kInvalidHandle;
+  end->peerGone = false;
   if (!end->connection) return kSuccess;
   leave(*end);
   end->connection->disconnected = true;
@@ -302,6 +307,16 @@ Error CancelPipeWait(NativeHandle pipe) {
   End* const end = endOf(pipe);
   if (!end) return kInvalidHandle;
   end->cancelled = true;
+  Call::notify();
+  return kSuccess;
+}
+
+Error DeclarePeerGone(NativeHandle pipe) {
+  const Call call("DeclarePeerGone");
+  if (call.failure()) return *call.failure();
+  End* const end = endOf(pipe);
+  if (!end) return kInvalidHandle;
+  end->peerGone = true;
   Call::notify();
   return kSuccess;
 }

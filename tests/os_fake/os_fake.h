@@ -58,6 +58,28 @@ void shortNextRead(std::uint32_t bytes);
 // How many pipe ends of that name are open, server and client ends alike; of all names when it is null.
 unsigned openPipeEnds(const char* pipeName = nullptr);
 
+// ---- Sockets. Every call is listed with the address, the backlog, the version or the size that it was given; Await is
+// only counted. A stream takes in 64 KiB before its reader reads.
+
+// The platform's own number of a failure, which is not the error number: for the trace.
+constexpr std::int32_t kSocketNumberOffset = 70000;
+std::int32_t socketNumber(os::Error error);
+
+// The version that StartSockets gives from now on; 2.2 after reset.
+void setSocketVersion(std::uint16_t version);
+
+// Receives give at most that many bytes from now on; 0 after reset: no limit.
+void limitReceives(std::uint32_t bytes);
+
+// The next send takes at most that many bytes.
+void shortNextSend(std::uint32_t bytes);
+
+// A stream whose writer has closed is at its end from now on as if that had broken off: reading gives 10054.
+void breakEndedStreams();
+
+// How many sockets are open.
+unsigned openSockets();
+
 // ---- Programs. Process::Start finds only what was added here; names are compared with '\' and '/' alike.
 
 struct Program {

@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 
+#include "platform/os/process_watch.h"
 #include "tests/os_fake/fake_kernel.h"
 #include "tests/os_fake/os_fake.h"
 
@@ -55,6 +56,7 @@ void end(RunningProgram& running, int exitCode) {
   running.exitCode = exitCode;
   fake::killThreadsOf(*running.process);
   fake::closePipesOf(*running.process);
+  fake::closeSocketsOf(*running.process);
   Call::notify();
   for (const Shared& other : std::vector<Shared>(programs().running)) {
     if (other->parent == running.process) end(*other, kKilled);
@@ -67,6 +69,26 @@ void lookAtClock(RunningProgram& running) {
 
 // A program that was ended from outside has gone when its thread stands still.
 bool hasGone(const RunningProgram& running) { return running.ended && (!running.thread || running.thread->ended); }
+
+// What a watch points to: a program, or the test itself, which never ends, or nothing, which has ended.
+struct Watch {
+  Shared running;
+  bool isTest = false;
+  bool cancelled = false;
+};
+
+Shared runningOf(std::uint32_t processId) {
+  const auto& all = programs().running;
+  const auto found =
+      std::find_if(all.begin(), all.end(), [&](const Shared& running) { return running->process->id == processId; });
+  return found == all.end() ? nullptr : *found;
+}
+
+bool hasEnded(const Watch& watch) {
+  if (!watch.running) return !watch.isTest;
+  lookAtClock(*watch.running);
+  return hasGone(*watch.running);
+}
 
 Shared sharedOf(void* handle) { return *static_cast<Shared*>(handle); }
 
@@ -183,6 +205,40 @@ Error Process::Terminate() {
   const Shared running = sharedOf(handle_);
   lookAtClock(*running);
   end(*running, kKilled);
+  return kSuccess;
+}
+
+ProcessWatch::~ProcessWatch() {
+  const std::lock_guard<std::mutex> lock(kernel().mutex);
+  delete static_cast<Watch*>(handle_);
+}
+
+Error ProcessWatch::Open(std::uint32_t processId, ProcessWatch* out) {
+  ProcessWatch opened;
+  {
+    const Call call("ProcessWatch::Open");
+    if (call.failure()) return *call.failure();
+    opened.handle_ = new Watch{runningOf(processId), processId == fake::ownProcess()->id};
+  }
+  *out = std::move(opened);
+  return kSuccess;
+}
+
+Error ProcessWatch::Wait() {
+  Call call("ProcessWatch::Wait");
+  if (call.failure()) return *call.failure();
+  if (!handle_) return kInvalidHandle;
+  Watch* const watch = static_cast<Watch*>(handle_);
+  call.wait([&] { return watch->cancelled || hasEnded(*watch); });
+  return hasEnded(*watch) ? kSuccess : kOperationAborted;
+}
+
+Error ProcessWatch::Cancel() {
+  const Call call("ProcessWatch::Cancel");
+  if (call.failure()) return *call.failure();
+  if (!handle_) return kInvalidHandle;
+  static_cast<Watch*>(handle_)->cancelled = true;
+  Call::notify();
   return kSuccess;
 }
 

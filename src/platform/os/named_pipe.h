@@ -2,7 +2,8 @@
 //
 // Results are Windows error numbers, 0 for success; an output is stored on success and untouched on failure unless its
 // comment says otherwise. Names have the form \\.\pipe\<name>. A handle is used by one thread at a time, save for
-// CancelPipeWait and DisconnectPeer, which may be called while another thread is blocked on the handle.
+// CancelPipeWait, DeclarePeerGone and DisconnectPeer, which may be called while another thread is blocked on the
+// handle.
 //
 // A platform without message pipes maps a name to a local packet socket in a folder that belongs to the user alone.
 #ifndef KOVADX_PLATFORM_OS_NAMED_PIPE_H
@@ -88,6 +89,12 @@ Error FlushMessages(NativeHandle pipe);
 // Wakes the threads that wait in AcceptPeer, ReadMessage or WriteMessage of this end; they return 995, and so does
 // every later wait and write on this end until it is closed. What was being written may have been sent or not.
 Error CancelPipeWait(NativeHandle pipe);
+
+// Tells an end that the process at the other side is gone, so that nobody else is to be waited for: another process may
+// still hold a copy of that process's end, and a server may still have no client. What the peer has done counts: an
+// AcceptPeer, under way or later, takes a client that has come already and gives 109 without one; a ReadMessage gives
+// the messages that have come already, and then 109. Holds until DisconnectPeer. Writes are not concerned.
+Error DeclarePeerGone(NativeHandle pipe);
 
 }  // namespace kova::os
 

@@ -62,6 +62,27 @@ constexpr ErrorPair kErrors[] = {
     {ELOOP, 1921},        // a link that can not be resolved
 };
 
+// What a stream socket means by an errno; for the others the table above stands.
+constexpr ErrorPair kSocketErrors[] = {
+    {EACCES, 10013},         // not allowed
+    {EPERM, 10013},          //
+    {EINVAL, 10022},         // invalid parameter
+    {EMFILE, 10024},         // too many open sockets
+    {ENFILE, 10024},         //
+    {ENOTSOCK, 10038},       // no socket
+    {EADDRINUSE, 10048},     // port in use
+    {EADDRNOTAVAIL, 10049},  // no such address here
+    {ENETUNREACH, 10051},    // no way to the network
+    {ECONNABORTED, 10053},   // connection aborted
+    {ECONNRESET, 10054},     // connection reset by the peer
+    {EPIPE, 10054},          //
+    {ENOBUFS, 10055},        // no buffer space
+    {ENOTCONN, 10057},       // not connected
+    {ETIMEDOUT, 10060},      // the peer does not answer
+    {ECONNREFUSED, 10061},   // nobody listens
+    {EHOSTUNREACH, 10065},   // no way to the machine
+};
+
 }  // namespace
 
 Error errorOfErrno(int number) {
@@ -70,6 +91,13 @@ Error errorOfErrno(int number) {
     if (pair.number == number) return pair.error;
   }
   return kGeneralFailure;
+}
+
+Error socketErrorOfErrno(int number) {
+  for (const ErrorPair& pair : kSocketErrors) {
+    if (pair.number == number) return pair.error;
+  }
+  return errorOfErrno(number);
 }
 
 Error lastError() { return errorOfErrno(errno); }

@@ -16,6 +16,9 @@ constexpr Error kPossibleDeadlock = 1131;
 // The Windows number of an errno; 31 (general failure) for one that the table does not know, 0 for 0.
 Error errorOfErrno(int number);
 
+// The same for a failed call of a stream socket, for which Windows has numbers of its own (10000 and above).
+Error socketErrorOfErrno(int number);
+
 // The Windows number of this thread's errno.
 Error lastError();
 

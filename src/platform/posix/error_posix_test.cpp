@@ -76,6 +76,39 @@ constexpr Row kRows[] = {
 INSTANTIATE_TEST_SUITE_P(All, ErrnoTable, testing::ValuesIn(kRows),
                          [](const testing::TestParamInfo<Row>& row) { return std::string(row.param.label); });
 
+class SocketErrnoTable : public testing::TestWithParam<Row> {};
+
+TEST_P(SocketErrnoTable, GivesTheNumberOfSockets) {
+  EXPECT_EQ(socketErrorOfErrno(GetParam().number), GetParam().error);
+}
+
+constexpr Row kSocketRows[] = {
+    {"NoError", 0, 0},
+    {"NoAccess", EACCES, 10013},
+    {"NotPermitted", EPERM, 10013},
+    {"Invalid", EINVAL, 10022},
+    {"TooManyOpen", EMFILE, 10024},
+    {"TooManyOpenInTheSystem", ENFILE, 10024},
+    {"NoSocket", ENOTSOCK, 10038},
+    {"PortTaken", EADDRINUSE, 10048},
+    {"NoSuchAddress", EADDRNOTAVAIL, 10049},
+    {"NoNetwork", ENETUNREACH, 10051},
+    {"Aborted", ECONNABORTED, 10053},
+    {"Reset", ECONNRESET, 10054},
+    {"PeerGone", EPIPE, 10054},
+    {"NoBuffers", ENOBUFS, 10055},
+    {"NotConnected", ENOTCONN, 10057},
+    {"TimeUp", ETIMEDOUT, 10060},
+    {"NobodyListens", ECONNREFUSED, 10061},
+    {"NoHost", EHOSTUNREACH, 10065},
+    {"BadDescriptor", EBADF, 6},
+    {"NoMemory", ENOMEM, 8},
+    {"NotInTheTable", EXFULL, 31},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, SocketErrnoTable, testing::ValuesIn(kSocketRows),
+                         [](const testing::TestParamInfo<Row>& row) { return std::string(row.param.label); });
+
 TEST(ErrorText, IsTheSystemsOwn) {
   EXPECT_EQ(ErrorText(kFileNotFound), "No such file or directory");
   EXPECT_EQ(ErrorText(kAccessDenied), "Permission denied");

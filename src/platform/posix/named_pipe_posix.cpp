@@ -100,4 +100,6 @@ Error FlushMessages(NativeHandle pipe) { return isHandle(pipe) ? kSuccess : kInv
 
 Error CancelPipeWait(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->cancel() : kInvalidHandle; }
 
+Error DeclarePeerGone(NativeHandle pipe) { return isHandle(pipe) ? endOf(pipe)->expectNoMore() : kInvalidHandle; }
+
 }  // namespace kova::os

@@ -95,13 +95,21 @@ Error PipeEnd::accept() {
   state_ = State::Listening;
   Error error = takeClient();
   if (error == kSuccess) return kPipeConnected;
-  while (error == kPipeListening) {
-    error = waitForClient();
-    if (error == kSuccess) error = takeClient();
-  }
+  if (error == kPipeListening) error = awaitClient();
   // A client that could not be taken in keeps its place: the disconnect that makes ready for the next accept leaves it.
   if (error != kSuccess) state_ = State::Disconnected;
   return error;
+}
+
+Error PipeEnd::awaitClient() {
+  for (;;) {
+    const bool isLastLook = noMore_;  // Asked first: a client that came before the declaration is still taken in.
+    Error error = takeClient();
+    if (error != kPipeListening) return error;
+    if (isLastLook) return kBrokenPipe;
+    error = waitForClient();
+    if (error != kSuccess) return error;
+  }
 }
 
 // Takes in the client that has come; 536 when none has.
@@ -116,6 +124,7 @@ Error PipeEnd::takeClient() {
   widenBuffer(client.get());
   const std::lock_guard<std::mutex> hold(change_);
   if (cancelled_) return kOperationAborted;
+  if (noMore_) shutdown(client.get(), SHUT_RD);
   connection_ = std::move(client);
   restLength_ = 0;
   peerGone_ = false;
@@ -141,6 +150,8 @@ Error PipeEnd::disconnect() {
     dropClients();
   }
   state_ = State::Disconnected;
+  eventfd_t declared = 0;
+  if (noMore_.exchange(false) && !cancelled_) eventfd_read(wake_.get(), &declared);
   return kSuccess;
 }
 
@@ -154,6 +165,15 @@ Error PipeEnd::cancel() {
   const std::lock_guard<std::mutex> hold(change_);
   cancelled_ = true;
   if (connection_) shutdown(connection_.get(), SHUT_RDWR);
+  if (wake_ && eventfd_write(wake_.get(), 1) != 0) return lastError();
+  return kSuccess;
+}
+
+// What has been received stays to be read; the sender's copies, if there are any, can send no more.
+Error PipeEnd::expectNoMore() {
+  const std::lock_guard<std::mutex> hold(change_);
+  noMore_ = true;
+  if (connection_) shutdown(connection_.get(), SHUT_RD);
   if (wake_ && eventfd_write(wake_.get(), 1) != 0) return lastError();
   return kSuccess;
 }
@@ -176,7 +196,7 @@ Error PipeEnd::read(void* buffer, std::uint32_t size, std::uint32_t* count, bool
   if (cancelled_) return kOperationAborted;
   int connection = -1;
   const Error error = useConnection(&connection);
-  if (error != kSuccess) return error;
+  if (error != kSuccess) return noMore_ ? kBrokenPipe : error;
   if (restLength_ > 0) return takeRest(buffer, size, count);
   if (!spill_) spill_.reset(new (std::nothrow) char[kSpillSize]);
   if (!spill_) return kNotEnoughMemory;

@@ -17,8 +17,8 @@
 
 namespace kova::os {
 
-// Owns its descriptors, and a server end its socket file. Used by one thread, its user; cancel and disconnect may be
-// called on another one meanwhile. A small message costs its user one system call.
+// Owns its descriptors, and a server end its socket file. Used by one thread, its user; cancel, expectNoMore and
+// disconnect may be called on another one meanwhile. A small message costs its user one system call.
 class PipeEnd {
  public:
   PipeEnd() = default;
@@ -33,6 +33,7 @@ class PipeEnd {
   Error accept();
   Error disconnect();
   Error cancel();
+  Error expectNoMore();
   Error read(void* buffer, std::uint32_t size, std::uint32_t* count, bool mayWait);
   Error write(const void* data, std::uint32_t size, std::uint32_t* count);
   Error messageMode() const;
@@ -42,6 +43,7 @@ class PipeEnd {
   enum class State { Listening, Connected, Disconnected };
 
   Error useConnection(int* connection);
+  Error awaitClient();
   Error takeClient();
   Error waitForClient() const;
   void dropClients();
@@ -59,12 +61,13 @@ class PipeEnd {
   std::size_t restOffset_ = 0;
   std::size_t restLength_ = 0;
 
-  std::mutex change_;  // Held where the next three change.
+  std::mutex change_;  // Held where the next four change.
   std::atomic<State> state_{State::Listening};
   std::atomic<bool> cancelled_{false};
-  Descriptor connection_;  // Stays open after a disconnect until its user can no longer be in a call on it.
+  std::atomic<bool> noMore_{false};  // The peer was declared gone.
+  Descriptor connection_;            // Stays open after a disconnect until its user can no longer be in a call on it.
 
-  Descriptor wake_;  // Readable once a server end is cancelled.
+  Descriptor wake_;  // Readable once a server end is cancelled, or its peer declared gone.
   Descriptor listener_;
   SocketFile file_;  // Goes before the listener: a file without a listener would look stale.
 };

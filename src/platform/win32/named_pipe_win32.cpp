@@ -1,5 +1,6 @@
 #include "platform/os/named_pipe.h"
 
+#include <condition_variable>
 #include <cstring>
 #include <mutex>
 #include <new>
@@ -18,11 +19,13 @@ enum class Wait { None, Accept, Read, Write };
 struct Pipe {
   HANDLE handle;
 
-  std::mutex guard;  // Of the next four.
+  std::mutex guard;  // Of the next five.
   Wait wait = Wait::None;
   DWORD waitingThread = 0;
   bool cancelled = false;
   bool disconnecting = false;
+  bool peerGone = false;
+  std::condition_variable disconnected;  // Notified when `disconnecting` becomes false.
 
   bool noWait = false;  // Used by the end's own thread alone.
 };
@@ -36,11 +39,14 @@ bool isHandle(NativeHandle pipe) { return pipe != nullptr && pipe != INVALID_HAN
 class BlockingCall {
  public:
   BlockingCall(Pipe* pipe, Wait kind) : pipe_(pipe) {
-    const std::lock_guard<std::mutex> lock(pipe_->guard);
+    std::unique_lock<std::mutex> lock(pipe_->guard);
+    // An accept is for the next client, so a disconnect of this one does not concern it.
+    if (kind == Wait::Accept) pipe_->disconnected.wait(lock, [pipe] { return !pipe->disconnecting; });
     refusal_ = whyRefused();
     if (refusal_) return;
     pipe_->wait = kind;
     pipe_->waitingThread = GetCurrentThreadId();
+    mayWait_ = !pipe_->peerGone;
   }
   BlockingCall(const BlockingCall&) = delete;
   BlockingCall& operator=(const BlockingCall&) = delete;
@@ -51,15 +57,25 @@ class BlockingCall {
   // Why the call must not be made; 0 when it may.
   Error refusal() const { return refusal_; }
 
-  // The call's result, as the caller should see it: one that a disconnect has ended tells so.
+  // False when the peer was declared gone before the call: there is nobody to wait for.
+  bool mayWait() const { return mayWait_; }
+
+  // The call's result, as the caller should see it: one that a disconnect or a declaration has ended tells so.
   Error leave(Error result) {
     const std::lock_guard<std::mutex> lock(pipe_->guard);
+    const bool awaitsPeer = pipe_->wait == Wait::Accept || pipe_->wait == Wait::Read;
     if (!refusal_) pipe_->wait = Wait::None;
     left_ = true;
-    return result == kOperationAborted && pipe_->disconnecting ? kPipeNotConnected : result;
+    if (result == kOperationAborted && pipe_->disconnecting) return kPipeNotConnected;
+    return awaitsPeer && pipe_->peerGone && tellsOfNobody(result) ? kBrokenPipe : result;
   }
 
  private:
+  bool tellsOfNobody(Error result) const {
+    if (result == kOperationAborted) return !pipe_->cancelled;
+    return result == kNoData || result == kPipeListening || result == kPipeNotConnected;
+  }
+
   Error whyRefused() const {
     if (pipe_->disconnecting) return kPipeNotConnected;
     return pipe_->cancelled ? kOperationAborted : kSuccess;
@@ -67,16 +83,19 @@ class BlockingCall {
 
   Pipe* pipe_;
   Error refusal_ = kSuccess;
+  bool mayWait_ = true;
   bool left_ = false;
 };
 
 // Ends the blocking call under way. A cancel that comes just before the thread enters the system is lost, so it is
 // repeated until the thread has left.
-void endBlockingCall(Pipe* pipe) {
+enum class Ended { AnyCall, WaitForPeer };
+void endBlockingCall(Pipe* pipe, Ended ended) {
   for (;;) {
     {
       const std::lock_guard<std::mutex> lock(pipe->guard);
       if (pipe->wait == Wait::None) return;
+      if (pipe->wait == Wait::Write && ended == Ended::WaitForPeer) return;
       const HANDLE thread = OpenThread(THREAD_TERMINATE, FALSE, pipe->waitingThread);
       if (thread == nullptr) return;
       CancelSynchronousIo(thread);
@@ -87,7 +106,7 @@ void endBlockingCall(Pipe* pipe) {
 }
 
 Error adopt(HANDLE handle, NativeHandle* out) {
-  Pipe* const pipe = new (std::nothrow) Pipe{.handle = handle, .guard = {}};
+  Pipe* const pipe = new (std::nothrow) Pipe{.handle = handle, .guard = {}, .disconnected = {}};
   if (pipe == nullptr) {
     CloseHandle(handle);
     return kNotEnoughMemory;
@@ -114,6 +133,21 @@ Error readWithoutWaiting(HANDLE handle, void* buffer, std::uint32_t size, std::u
   return result;
 }
 
+bool isPeerGone(Pipe* pipe) {
+  const std::lock_guard<std::mutex> lock(pipe->guard);
+  return pipe->peerGone;
+}
+
+// Asks for a client without waiting: 535 when one is there, 232 when one came and went, 536 when none has come.
+Error acceptWithoutWaiting(HANDLE handle) {
+  const Error notSet = setMode(handle, PIPE_READMODE_MESSAGE | PIPE_NOWAIT);
+  if (notSet) return notSet;
+  const Error result = resultOf(ConnectNamedPipe(handle, nullptr));
+  setMode(handle, PIPE_READMODE_MESSAGE | PIPE_WAIT);
+  // Success tells in this mode that the end has begun to listen.
+  return result == kSuccess ? kPipeListening : result;
+}
+
 }  // namespace
 
 // The system keeps pipes in a place of its own, and takes them away with the process that made them.
@@ -134,7 +168,8 @@ Error AcceptPeer(NativeHandle pipe) {
   if (!isHandle(pipe)) return kInvalidHandle;
   BlockingCall call(pipeOf(pipe), Wait::Accept);
   if (call.refusal()) return call.refusal();
-  const Error result = resultOf(ConnectNamedPipe(pipeOf(pipe)->handle, nullptr));
+  const HANDLE handle = pipeOf(pipe)->handle;
+  const Error result = call.mayWait() ? resultOf(ConnectNamedPipe(handle, nullptr)) : acceptWithoutWaiting(handle);
   // A client that came and went again has come first too: what it wrote can be read.
   return call.leave(result == kNoData ? kPipeConnected : result);
 }
@@ -147,10 +182,12 @@ Error DisconnectPeer(NativeHandle pipe) {
     if (end->wait == Wait::Accept) return kSuccess;  // No client yet; one that comes just now stays.
     end->disconnecting = true;
   }
-  endBlockingCall(end);
+  endBlockingCall(end, Ended::AnyCall);
   const Error result = resultOf(DisconnectNamedPipe(end->handle));
   const std::lock_guard<std::mutex> lock(end->guard);
   end->disconnecting = false;
+  end->disconnected.notify_all();
+  end->peerGone = false;
   return result == kPipeNotConnected || result == kPipeListening ? kSuccess : result;
 }
 
@@ -198,14 +235,18 @@ Error ReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint
   if (!isHandle(pipe)) return kInvalidHandle;
   BlockingCall call(pipeOf(pipe), Wait::Read);
   if (call.refusal()) return call.refusal();
-  const auto readOne = pipeOf(pipe)->noWait ? readWithoutWaiting : readInto;
-  return call.leave(readOne(pipeOf(pipe)->handle, buffer, size, read));
+  const HANDLE handle = pipeOf(pipe)->handle;
+  const auto readOne = pipeOf(pipe)->noWait || !call.mayWait() ? readWithoutWaiting : readInto;
+  Error result = readOne(handle, buffer, size, read);
+  // What came just before the declaration that ended the wait is still given.
+  if (result == kOperationAborted && isPeerGone(pipeOf(pipe))) result = readWithoutWaiting(handle, buffer, size, read);
+  return call.leave(result);
 }
 
 Error TryReadMessage(NativeHandle pipe, void* buffer, std::uint32_t size, std::uint32_t* read) {
   *read = 0;
   if (!isHandle(pipe)) return kInvalidHandle;
-  if (pipeOf(pipe)->noWait) return ReadMessage(pipe, buffer, size, read);
+  if (pipeOf(pipe)->noWait || isPeerGone(pipeOf(pipe))) return ReadMessage(pipe, buffer, size, read);
   DWORD available = 0;
   const Error error = resultOf(PeekNamedPipe(pipeOf(pipe)->handle, nullptr, 0, nullptr, &available, nullptr));
   // A look does not tell why there is no client; a read does.
@@ -241,7 +282,17 @@ Error CancelPipeWait(NativeHandle pipe) {
     const std::lock_guard<std::mutex> lock(pipeOf(pipe)->guard);
     pipeOf(pipe)->cancelled = true;
   }
-  endBlockingCall(pipeOf(pipe));
+  endBlockingCall(pipeOf(pipe), Ended::AnyCall);
+  return kSuccess;
+}
+
+Error DeclarePeerGone(NativeHandle pipe) {
+  if (!isHandle(pipe)) return kInvalidHandle;
+  {
+    const std::lock_guard<std::mutex> lock(pipeOf(pipe)->guard);
+    pipeOf(pipe)->peerGone = true;
+  }
+  endBlockingCall(pipeOf(pipe), Ended::WaitForPeer);
   return kSuccess;
 }
 
