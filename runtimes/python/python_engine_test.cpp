@@ -46,7 +46,7 @@ class PythonInEngine : public testing::Test {
  protected:
   PythonInEngine()
       : runtime_("PYTHON", (Initialise(), home()),
-                 [this](const CleXDSmb& request, CleXDSmb& reply) { Perform(request, reply); }) {
+                 [this](const CleXDSmb& request, CleXDSmb& reply, int level) { Perform(request, reply, level); }) {
     DataSet penguins;
     std::string problem;
     EXPECT_TRUE(readDataPackage(KOVA_SOURCE_DIR "/examples/penguins", &penguins, &problem)) << problem;
@@ -71,11 +71,11 @@ class PythonInEngine : public testing::Test {
   std::vector<std::string> Shown() { return std::exchange(shown_, {}); }
 
   // Submitted syntax goes to the test, everything else to the engine.
-  void Perform(const CleXDSmb& request, CleXDSmb& reply) {
+  void Perform(const CleXDSmb& request, CleXDSmb& reply, int level) {
     if (onSubmit_ && request.GetCommandAction() == Command::Submit) {
       reply.SetErrorCode(onSubmit_(request.Strings()[0]));
     } else {
-      engine_.perform(request, reply);
+      engine_.perform(request, reply, level);
     }
   }
 

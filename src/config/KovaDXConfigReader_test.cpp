@@ -274,7 +274,7 @@ TEST(SampleConfiguration, ListsThePlainNamesFirst) {
   SetKOVAHOME(folder.path().c_str());
   OpenConfigReader reader;
   forgetHome();
-  EXPECT_THAT(reader.GetSupportLanguage(), IsEmpty());
+  EXPECT_THAT(reader.GetSupportLanguage(), ElementsAre("PYTHON"));
   EXPECT_EQ(reader.GetTracePath(), "");
   EXPECT_EQ(reader.GetVersion(), "1.0.0");
   EXPECT_EQ(reader.GetVersionMajor(), "1");

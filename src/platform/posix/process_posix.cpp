@@ -210,10 +210,13 @@ Error Process::Wait(std::uint32_t timeoutMs, int* exitCode) {
   if (!child->ended) {
     const TimeLeft left(timeoutMs);
     pollfd entry = {child->descriptor.get(), POLLIN, 0};
-    while (poll(&entry, 1, left.forPoll()) < 0) {
-      if (errno != EINTR) return lastError();
+    Error error = kWaitTimeout;
+    // The descriptor may be ready a moment before the end can be collected.
+    for (int ready = 1; error == kWaitTimeout && ready != 0;) {
+      ready = poll(&entry, 1, left.forPoll());
+      if (ready < 0 && errno != EINTR) return lastError();
+      error = collect(child->descriptor.get(), &child->exitCode);
     }
-    const Error error = collect(child->descriptor.get(), &child->exitCode);
     if (error != kSuccess) return error;
     child->ended = true;
   }
