@@ -29,20 +29,23 @@ MonitorThread::~MonitorThread() {
   stop();
   joinThread();
   pipe_->ClosePipe();
-  if (role_ != kReader && !normalEnd_) removeStalePipe(name_);
+  if (role_ != kReader) removeStalePipe(name_);
 }
 
 void MonitorThread::stop() {
   stopRequested_ = true;
   stop_.Signal();
+  // A thread that has yet to begin will see the request before it waits. Nothing is cancelled then: what it has just
+  // opened must take its goodbye.
+  if (finished_) return;
   if (role_ != kReader) leftPipe_.WaitForSignal(kGoodbyeMs);
   // Releases a reader, and a writer whose pipe is full because nobody reads.
   pipe_->CancelWait();
 }
 
 unsigned int MonitorThread::Run() {
+  leftPipe_.Unsignal();  // Before the thread counts as begun: who stops it waits for this.
   finished_ = false;
-  leftPipe_.Unsignal();
   if (role_ == kReader) {
     readWords();
   } else {

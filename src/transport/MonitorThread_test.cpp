@@ -86,16 +86,18 @@ TEST_F(MonitorThreadTest, AWriterWritesAliveEverySecondAndOneGoodbye) {
 }
 
 TEST_F(MonitorThreadTest, AWriterThatFindsNoReaderEndsNormally) {
-  MonitorThread writer(kName, MonitorThread::kWriter);
-  writer.setEndCallback(countCallback);
-  ASSERT_TRUE(writer.Start());
-  await([&] { return !writer.HasThread(); });
+  auto writer = std::make_unique<MonitorThread>(kName, MonitorThread::kWriter);
+  writer->setEndCallback(countCallback);
+  ASSERT_TRUE(writer->Start());
+  await([&] { return !writer->HasThread(); });
   EXPECT_EQ(callCount("AwaitServer"), 20u);
   EXPECT_EQ(kova::fake::elapsedMs(), 1900u);
-  EXPECT_FALSE(writer.isPeerAlive());
-  EXPECT_TRUE(writer.isNormalEnd());
-  EXPECT_TRUE(writer.isStopped());
+  EXPECT_FALSE(writer->isPeerAlive());
+  EXPECT_TRUE(writer->isNormalEnd());
+  EXPECT_TRUE(writer->isStopped());
   EXPECT_EQ(callbacks, 0);
+  writer.reset();
+  EXPECT_EQ(callCount("SweepStalePipes"), 1u) << "a reader that was killed before it came to it leaves its pipe";
 }
 
 TEST_F(MonitorThreadTest, AWriterWhoseReaderVanishesTellsSoOnce) {
@@ -125,6 +127,25 @@ TEST_F(MonitorThreadTest, AWriterThatIsStoppedAtOnceStillSaysGoodbye) {
   pipe.ConnectPipe();
   EXPECT_EQ(readWord(pipe), 3);
   await([&] { return !writer.HasThread(); });
+}
+
+// The stop meets the thread before it has begun, while it opens the pipe, and between two words.
+TEST_F(MonitorThreadTest, AWriterThatIsStoppedAtAnyStageSaysGoodbye) {
+  kova::fake::setPatienceMs(10000);
+  for (int round = 0; round < 300; ++round) {
+    KovaPipe pipe(kName);
+    ASSERT_EQ(pipe.CreatePipe(), 0);
+    {
+      MonitorThread writer(kName, MonitorThread::kWriter);
+      ASSERT_TRUE(writer.Start());
+      for (int i = 0; i < round % 30; ++i) std::this_thread::yield();
+      writer.stop();
+    }
+    pipe.ConnectPipe();
+    std::int32_t word = 1;
+    while (word == 1) word = readWord(pipe);
+    ASSERT_EQ(word, 3) << round;
+  }
 }
 
 TEST_F(MonitorThreadTest, AWriterIsReleasedFromAReaderThatNeverReads) {

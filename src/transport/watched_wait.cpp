@@ -16,7 +16,7 @@ class PeerWatch::Watcher : public PlugInThreadHot {
   using Release = std::function<void()>;
 
   explicit Watcher(std::uint32_t processId) {
-    if (os::ProcessWatch::Open(processId, &process_) == os::kSuccess) Start();
+    if (os::ProcessWatch::Open(processId, &process_) == os::kSuccess && !Start()) process_ = os::ProcessWatch();
   }
   ~Watcher() override {
     process_.Cancel();

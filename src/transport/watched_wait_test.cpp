@@ -106,13 +106,15 @@ TEST_F(WatchedWaitTest, AWatchGoesWhileItsProcessRuns) {
 }
 
 TEST_F(WatchedWaitTest, AProcessThatCanNotBeWatchedLeavesTheWaitsAsTheyAre) {
-  kova::fake::fail("ProcessWatch::Open", 5);
-  PeerWatch watch(peer_.Id());
-  EXPECT_FALSE(watch.isWatching());
-  EXPECT_FALSE(watch.hasEnded());
-  KovaPipe pipe(kName);
-  const WatchedWait wait(&watch, &pipe);
-  const WatchedWait without(nullptr, &pipe);
+  for (const char* step : {"ProcessWatch::Open", "LaunchThread"}) {
+    kova::fake::fail(step, 5);
+    PeerWatch watch(peer_.Id());
+    EXPECT_FALSE(watch.isWatching()) << step;
+    EXPECT_FALSE(watch.hasEnded());
+    KovaPipe pipe(kName);
+    const WatchedWait wait(&watch, &pipe);
+    const WatchedWait without(nullptr, &pipe);
+  }
 }
 
 }  // namespace
