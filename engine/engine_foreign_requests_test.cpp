@@ -36,9 +36,9 @@ class ForeignRequests : public testing::Test {
  protected:
   // Requests may name files by any text: those are made in a folder that goes again.
   ForeignRequests() : folderBefore_(std::filesystem::current_path()) {
-    std::filesystem::current_path(scratch_.path());
     std::string problem;
     EXPECT_TRUE(readDataPackage(KOVA_SOURCE_DIR "/examples/penguins", &penguins_, &problem)) << problem;
+    std::filesystem::current_path(scratch_.path());
     keepThreeCases(&penguins_);
     penguins_.variables.change(0).attributes = {{"note", {"a", "b"}}};
     beginAnew();

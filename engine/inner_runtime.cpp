@@ -116,9 +116,11 @@ int InnerRuntime::stop() {
   return code;
 }
 
+// A thread that a block has left behind may go on calling. It must be refused before the pipes go, not try to open
+// them again.
 void InnerRuntime::endService() {
-  first_.reset();
   SetKovaRunning(false);
+  first_.reset();
 }
 
 }  // namespace kova::engine

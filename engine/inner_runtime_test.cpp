@@ -210,6 +210,18 @@ TEST_F(InnerRuntimeTest, ARuntimeThatWasStoppedBehindItsBackIsNotAskedToRun) {
   EXPECT_EQ(runtime_->run({"x"}), 0);
 }
 
+// A thread that the script has left behind must not try to reach pipes that are about to go.
+TEST_F(InnerRuntimeTest, CallsAreRefusedBeforeTheirPipesGo) {
+  int code = -1;
+  runtime_ = std::make_unique<InnerRuntime>(
+      "ECHO", home(), [this](const CleXDSmb& request, CleXDSmb& reply, int level) { Perform(request, reply, level); },
+      [&code](int) { code = FreeStringArray(nullptr, 0); });
+  ASSERT_EQ(runtime_->start(), 0);
+  EXPECT_EQ(runtime_->run({"shown"}), 0);
+  EXPECT_EQ(runtime_->stop(), 0);
+  EXPECT_EQ(code, 17);
+}
+
 TEST_F(InnerRuntimeTest, StopsAndStartsAgain) {
   ASSERT_EQ(Start(), 0);
   EXPECT_EQ(runtime_->start(), 0) << "it is started";

@@ -150,6 +150,23 @@ TEST_F(PythonRuntime, ThreadPoolsEndWithTheSession) {
   }
 }
 
+// The thread that leads the processes waits for work too, and the namespace keeps its pool until the stop. In a process
+// of its own, since what multiprocessing has opened for its pools stays open as long as the process lives.
+KOVA_KIT_CHILD(python_with_process_pools) {
+  for (int i = 0; i < 2; ++i) {
+    if (library().init(0, nullptr) != 0) return 1;
+    if (run("import sys\nfrom concurrent.futures import ProcessPoolExecutor\n"
+            "pool = ProcessPoolExecutor(1)\nsys.exit(3 * sum(pool.map(abs, (-1, -2))))\n") != 9) {
+      return 2;
+    }
+    if (library().stop() != 0) return 3;
+  }
+  library().init(0, nullptr);
+  return run("import sys, threading\nsys.exit(6 + threading.active_count())\n");
+}
+
+TEST(PythonPools, ProcessPoolsEndWithTheSession) { EXPECT_EQ(kit::runChild("python_with_process_pools"), 7); }
+
 TEST_F(PythonRuntime, AStopInsideABlockIsRefused) {
   EXPECT_EQ(run(kThreads), 0);
   const auto stop = [](int) { return library().stop(); };

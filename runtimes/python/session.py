@@ -202,11 +202,13 @@ def code_parts(code):
 
 
 def end_pools():
-    """Lets the threads of concurrent.futures go, which otherwise wait for work until Python ends."""
-    pools = sys.modules.get("concurrent.futures.thread")
-    if pools is not None:
-        pools._python_exit()
-        pools._shutdown = False  # Later blocks may have pools again.
+    """Lets the threads and processes of concurrent.futures go, which otherwise wait for work until Python ends."""
+    # Later blocks may have pools again, so that no pool's end stays marked as Python's.
+    for name, mark in (("thread", "_shutdown"), ("process", "_global_shutdown")):
+        pools = sys.modules.get(f"concurrent.futures.{name}")
+        if pools is not None:
+            pools._python_exit()
+            setattr(pools, mark, False)
 
 
 def join_threads():

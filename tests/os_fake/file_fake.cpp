@@ -96,8 +96,12 @@ Error CopyPlainFile(const std::string& source, const std::string& target) {
   call.wait([] { return !paths().holdsCopies; });
   std::error_code code;
   const std::string native = NativePath(source);
+  const std::string copy = NativePath(target);
   if (!std::filesystem::exists(native, code)) return kFileNotFound;
-  std::filesystem::copy_file(native, NativePath(target), std::filesystem::copy_options::overwrite_existing, code);
+  if (std::filesystem::equivalent(native, copy, code)) return kGeneralFailure;
+  // The compiler's library for Windows can not copy over a file that is there.
+  if (std::filesystem::is_regular_file(copy, code)) std::filesystem::remove(copy, code);
+  std::filesystem::copy_file(native, copy, code);
   return code ? kGeneralFailure : kSuccess;
 }
 
