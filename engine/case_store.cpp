@@ -4,12 +4,14 @@
 #include <cstring>
 #include <utility>
 
+#include "engine/move_element.h"
+
 namespace kova::engine {
 namespace {
 
 constexpr std::uint64_t kBlanks = 0x2020202020202020;
 
-std::size_t unitsOf(int width) { return width <= 8 ? 1 : static_cast<std::size_t>((width + 7) / 8); }
+std::size_t unitsOf(int width) { return static_cast<std::size_t>(UnitsOfType(width)); }
 
 // How many of the bytes fit without a part of a character.
 std::size_t wholeCharacters(const char* bytes, std::size_t size, std::size_t width) {
@@ -29,22 +31,13 @@ std::vector<std::optional<std::size_t>> inOrder(std::size_t count) {
   return sources;
 }
 
-template <typename Element>
-void moveElement(std::vector<Element>* elements, std::size_t from, std::size_t to) {
-  const auto at = [elements](std::size_t position) {
-    return elements->begin() + static_cast<std::ptrdiff_t>(position);
-  };
-  if (from < to) std::rotate(at(from), at(from) + 1, at(to) + 1);
-  if (to < from) std::rotate(at(to), at(from), at(from) + 1);
-}
-
 }  // namespace
 
 CaseStore::CaseStore(const std::vector<int>& widths) {
   for (const int width : widths) {
     slots_.push_back({caseUnits_, unitsOf(width), static_cast<std::size_t>(width)});
     caseUnits_ += slots_.back().units;
-    emptyCase_.resize(caseUnits_, width == 0 ? std::bit_cast<std::uint64_t>(kSystemMissing) : kBlanks);
+    emptyCase_.resize(caseUnits_, width == 0 ? kSystemMissingBits : kBlanks);
   }
 }
 
@@ -81,10 +74,6 @@ std::size_t CaseStore::bytesOfVariables(std::size_t first, std::size_t count) co
 
 bool CaseStore::mayAdd(std::uint64_t cases) const {
   return cases <= kMostCasesBytes && fits(caseUnits_, caseCount() + cases);
-}
-
-void CaseStore::setCase(std::size_t position, const void* bytes) {
-  std::memcpy(units_.data() + position * caseUnits_, bytes, caseBytes());
 }
 
 void CaseStore::setVariables(std::size_t position, std::size_t first, std::size_t count, const void* bytes) {

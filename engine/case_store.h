@@ -17,12 +17,12 @@
 #include <utility>
 #include <vector>
 
+#include "message/case_layout.h"
+
 namespace kova::engine {
 
-// The value that stands for "no value" in a numeric variable: the most negative finite double.
-constexpr double kSystemMissing = std::bit_cast<double>(std::uint64_t{0xFFEFFFFFFFFFFFFF});
-
-constexpr std::size_t kUnitBytes = 8;
+// The value that stands for "no value" in a numeric variable.
+constexpr double kSystemMissing = std::bit_cast<double>(kSystemMissingBits);
 
 constexpr std::uint64_t kMostCasesBytes = std::uint64_t{4} << 30;  // Of all cases of a data set.
 
@@ -86,8 +86,7 @@ class CaseStore {
   const void* caseAt(std::size_t position) const { return units_.data() + position * caseUnits_; }
   const void* variablesAt(std::size_t position, std::size_t first) const { return bytesOf(position, first); }
 
-  // Overwrites a case with caseBytes() bytes, or so many of its variables with bytesOfVariables() bytes.
-  void setCase(std::size_t position, const void* bytes);
+  // Overwrites so many variables of a case, from the first on, with bytesOfVariables() bytes.
   void setVariables(std::size_t position, std::size_t first, std::size_t count, const void* bytes);
 
   // One value. Positions must exist and the kind must be the variable's. A text longer than the variable is cut.

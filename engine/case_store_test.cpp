@@ -194,7 +194,7 @@ TEST(CaseStore, ManyCasesAreAppendedAsTheyTravel) {
 TEST(CaseStore, GivesAndTakesTheBytesOfACase) {
   const CaseStore from = numberTextNumber();
   CaseStore cases = numberTextNumber();
-  cases.setCase(0, from.caseAt(2));
+  cases.setVariables(0, 0, 3, from.caseAt(2));
   EXPECT_EQ(cases.number(0, 0), 2.0);
   EXPECT_EQ(cases.number(0, 2), 102.0);
   EXPECT_EQ(cases.number(1, 0), 1.0);

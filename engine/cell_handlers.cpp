@@ -29,8 +29,8 @@ struct Cell {
 };
 
 ErrorCode locate(DataSet* dataSet, int row, int column, Cell* cell) {
-  if (row < 0 || static_cast<std::size_t>(row) >= dataSet->cases.caseCount()) return ErrorCode::kCaseOutOfRange;
-  if (column < 0 || static_cast<std::size_t>(column) >= dataSet->variables.size()) return ErrorCode::kIndexOutOfRange;
+  if (!isBelow(row, dataSet->cases.caseCount())) return ErrorCode::kCaseOutOfRange;
+  if (!isBelow(column, dataSet->variables.size())) return ErrorCode::kIndexOutOfRange;
   *cell = {dataSet, static_cast<std::size_t>(row), static_cast<std::size_t>(column)};
   return ErrorCode::kNone;
 }

@@ -90,9 +90,7 @@ ErrorCode tellValue(EngineState& state, const CleXDSmb& request, Tell tell) {
   if (!pass->cursor.current()) return ErrorCode::kNoCurrentCase;
   const DataSet& dataSet = pass->cursor.dataSet();
   const int position = request.FirstLong();
-  if (position < 0 || static_cast<std::size_t>(position) >= dataSet.variables.size()) {
-    return ErrorCode::kIndexOutOfRange;
-  }
+  if (!isBelow(position, dataSet.variables.size())) return ErrorCode::kIndexOutOfRange;
   return tell(dataSet, *pass->cursor.current(), static_cast<std::size_t>(position));
 }
 

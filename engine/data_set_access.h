@@ -60,6 +60,11 @@ using VariableAnswer = ErrorCode (*)(const Variable& variable, const RequestItem
 using DataSetChange = ErrorCode (*)(DataSet& dataSet, const RequestItems& items);
 using VariableChange = ErrorCode (*)(DataSet& dataSet, std::size_t position, const RequestItems& items);
 
+// True of a position that one of so many things has.
+inline bool isBelow(int position, std::size_t count) {
+  return position >= 0 && static_cast<std::size_t>(position) < count;
+}
+
 // The texts are sound, and the data set is there.
 template <typename Source>
 ErrorCode reachDataSet(const EngineState& state, const CleXDSmb& request, DataSet** dataSet) {
@@ -73,7 +78,7 @@ ErrorCode reachVariable(const EngineState& state, const CleXDSmb& request, DataS
   const ErrorCode code = reachDataSet<Source>(state, request, dataSet);
   if (code != ErrorCode::kNone) return code;
   const int index = request.FirstLong();
-  if (index < 0 || static_cast<std::size_t>(index) >= (*dataSet)->variables.size()) return ErrorCode::kIndexOutOfRange;
+  if (!isBelow(index, (*dataSet)->variables.size())) return ErrorCode::kIndexOutOfRange;
   *position = static_cast<std::size_t>(index);
   return ErrorCode::kNone;
 }

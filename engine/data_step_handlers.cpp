@@ -41,8 +41,6 @@ ErrorCode rearrange(EngineState& state, const CleXDSmb& request, CleXDSmb& /*rep
   return code;
 }
 
-bool isBelow(int position, std::size_t count) { return position >= 0 && static_cast<std::size_t>(position) < count; }
-
 ErrorCode insertOneVariable(DataSet& dataSet, const RequestItems& items) {
   const int position = items.integer(0);
   if (!isBelow(position, dataSet.variables.size() + 1)) return ErrorCode::kIndexOutOfRange;

@@ -57,9 +57,7 @@ class ForeignRequests : public testing::Test {
 
   // Every request is followed by a look at the whole data set.
   static void keepThreeCases(DataSet* dataSet) {
-    std::vector<int> widths;
-    for (const Variable& variable : dataSet->variables) widths.push_back(variable.width);
-    dataSet->cases = CaseStore(widths);
+    dataSet->cases = CaseStore(dataSet->cases.widths());
     for (int i = 0; i < 3; ++i) dataSet->cases.appendCase();
   }
 

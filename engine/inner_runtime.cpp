@@ -17,6 +17,22 @@ namespace {
 
 constexpr int kBusy = 170;
 
+// Notes that the runtime is given the lines.
+class NotingRunner : public DriveX {
+ public:
+  NotingRunner(const std::string& language, StatisticsX* host, bool* areReached)
+      : DriveX(language, host, KovaDXConfigReader::GetInstance(language)), areReached_(areReached) {}
+
+ protected:
+  int ExecuteXLines(std::vector<std::string>& lines) override {
+    *areReached_ = true;
+    return DriveX::ExecuteXLines(lines);
+  }
+
+ private:
+  bool* areReached_;
+};
+
 // Counts a block for as long as it runs.
 struct Running {
   explicit Running(std::atomic<int>& counted) : count(counted), isNested(counted++ > 0) {}
@@ -94,16 +110,19 @@ int InnerRuntime::start() {
   return code;
 }
 
-int InnerRuntime::run(std::vector<std::string> lines) {
+int InnerRuntime::run(std::vector<std::string> lines, bool* areReached) {
+  bool ignored = false;
+  if (areReached == nullptr) areReached = &ignored;
+  *areReached = false;
   if (!first_) return kHostNotInitialised;
   const Running running(running_);
   Level own(*this);
   const int code = running.isNested ? own.begin() : 0;
-  return code != 0 ? code : runOn(lines);
+  return code != 0 ? code : runOn(lines, areReached);
 }
 
-int InnerRuntime::runOn(std::vector<std::string>& lines) {
-  DriveX runner(language_, host(), KovaDXConfigReader::GetInstance(language_));
+int InnerRuntime::runOn(std::vector<std::string>& lines, bool* areReached) {
+  NotingRunner runner(language_, host(), areReached);
   runner.setSyntax(lines);
   return host()->isIntialized() ? runner.invokeX() : kHostNotInitialised;
 }

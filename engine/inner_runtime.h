@@ -40,8 +40,9 @@ class InnerRuntime {
   // served; the runtime's own code. Nothing is left behind by a failure.
   int start();
 
-  // Runs the lines. The code of the run; 99115 when the runtime is not started.
-  int run(std::vector<std::string> lines);
+  // Runs the lines. The code of the run; 99115 when the runtime is not started. *areReached, when it is not null, tells
+  // whether the runtime was given them: a code alone does not, since a block may end with any.
+  int run(std::vector<std::string> lines, bool* areReached = nullptr);
 
   // Stops the runtime and the service of its calls; start may follow. The runtime's code, 0 when it is not started.
   // 170, and nothing stops, while a block runs.
@@ -51,7 +52,7 @@ class InnerRuntime {
   class Level;
 
   StatisticsX* host() const;
-  int runOn(std::vector<std::string>& lines);
+  int runOn(std::vector<std::string>& lines, bool* areReached);
   void endService();
 
   std::string language_;

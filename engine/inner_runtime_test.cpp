@@ -7,14 +7,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "api/InitDxGlobal.h"
 #include "api/kovadx.h"
 #include "config/process_values.h"
 #include "engine/data_package.h"
-#include "engine/engine.h"
+#include "engine/inner_runtime_kit.h"
 #include "host/XManager.h"
 #include "message/commands.h"
-#include "platform/os/process.h"
 #include "tests/kit/kit.h"
 #include "tests/kit/scratch_folder.h"
 #include "transport/XPipeManager.h"
@@ -50,44 +48,17 @@ const std::string& home() {
   return path;
 }
 
-class InnerRuntimeTest : public testing::Test {
+class InnerRuntimeTest : public ServingTest {
  protected:
-  InnerRuntimeTest() {
-    char pid[16];
-    std::snprintf(pid, sizeof pid, "%04x", static_cast<unsigned>(os::CurrentProcessId()));
-    InitDxGlobal("", pid, "KOVAENGINE", home());
-    engine_.onOutput(
-        [this](const std::string& text) { shown_.push_back(text.substr(0, text.find_last_not_of('\n') + 1)); });
-  }
-  ~InnerRuntimeTest() override {
-    runtime_.reset();
-    FinalizeDXGlobal();
-  }
+  InnerRuntimeTest() : ServingTest(home()) {}
 
   int Start(const std::string& language = "ECHO") {
-    runtime_ = std::make_unique<InnerRuntime>(
-        language, home(),
-        [this](const CleXDSmb& request, CleXDSmb& reply, int level) { Perform(request, reply, level); });
+    runtime_ = std::make_unique<InnerRuntime>(language, home(), Performer());
     return runtime_->start();
   }
 
-  // What the lines have shown since the last call.
-  std::vector<std::string> Shown() { return std::exchange(shown_, {}); }
-
   int IndexOf(const std::string& language) { return GetXPipeManager()->getPipeSuit(language)->getIndex(); }
 
-  // Submitted syntax goes to the test, everything else to the engine.
-  void Perform(const CleXDSmb& request, CleXDSmb& reply, int level) {
-    if (onSubmit_ && request.GetCommandAction() == Command::Submit) {
-      reply.SetErrorCode(onSubmit_(request.Strings()[0]));
-    } else {
-      engine_.perform(request, reply, level);
-    }
-  }
-
-  Engine engine_;
-  std::function<int(const std::string&)> onSubmit_;
-  std::vector<std::string> shown_;
   std::unique_ptr<InnerRuntime> runtime_;
 };
 
@@ -162,6 +133,17 @@ TEST_F(InnerRuntimeTest, AFailedPreActionEndsTheRun) {
   EXPECT_THAT(Shown(), IsEmpty());
 }
 
+TEST_F(InnerRuntimeTest, TellsWhetherTheRuntimeWasGivenTheLines) {
+  bool areReached = true;
+  EXPECT_EQ(InnerRuntime("ECHO", home(), Performer()).run({"x"}, &areReached), 99115);
+  EXPECT_FALSE(areReached) << "not started";
+  ASSERT_EQ(Start(), 0);
+  EXPECT_EQ(runtime_->run({"pre 12", "return 99115"}, &areReached), 99115);
+  EXPECT_TRUE(areReached) << "a block may end with any code";
+  EXPECT_EQ(runtime_->run({"x"}, &areReached), 12);
+  EXPECT_FALSE(areReached);
+}
+
 TEST_F(InnerRuntimeTest, RunsNestEightDeep) {
   ASSERT_EQ(Start(), 0);
   std::vector<int> indexes;
@@ -213,9 +195,8 @@ TEST_F(InnerRuntimeTest, ARuntimeThatWasStoppedBehindItsBackIsNotAskedToRun) {
 // A thread that the script has left behind must not try to reach pipes that are about to go.
 TEST_F(InnerRuntimeTest, CallsAreRefusedBeforeTheirPipesGo) {
   int code = -1;
-  runtime_ = std::make_unique<InnerRuntime>(
-      "ECHO", home(), [this](const CleXDSmb& request, CleXDSmb& reply, int level) { Perform(request, reply, level); },
-      [&code](int) { code = FreeStringArray(nullptr, 0); });
+  runtime_ =
+      std::make_unique<InnerRuntime>("ECHO", home(), Performer(), [&code](int) { code = FreeStringArray(nullptr, 0); });
   ASSERT_EQ(runtime_->start(), 0);
   EXPECT_EQ(runtime_->run({"shown"}), 0);
   EXPECT_EQ(runtime_->stop(), 0);

@@ -7,8 +7,10 @@
 namespace kova::engine {
 namespace {
 
-// The platform's numbers of a full disk: no room, the end of a quota, and a file as large as it may be.
-bool isFullDisk(os::Error error) { return error == 112 || error == 1295 || error == 223; }
+constexpr os::Error kFileTooLarge = 223;
+constexpr os::Error kQuotaUsedUp = 1295;
+
+bool isFullDisk(os::Error error) { return error == os::kDiskFull || error == kQuotaUsedUp || error == kFileTooLarge; }
 
 std::string reasonOf(os::Error error) {
   const std::string text = os::ErrorText(error);

@@ -63,17 +63,11 @@ bool sameVariables(const DataSet& a, const DataSet& b) {
       [](const Variable& x, const Variable& y) { return sameName(x.name, y.name) && x.width == y.width; });
 }
 
-std::vector<int> widthsOf(const DataSet& dataSet) {
-  std::vector<int> widths;
-  for (const Variable& variable : dataSet.variables) widths.push_back(variable.width);
-  return widths;
-}
-
 // The cases from the first row on, at most so many.
 CaseStore takeRows(DataSet* from, std::size_t first, std::size_t count) {
   const std::size_t all = from->cases.caseCount();
   if (first == 0 && count >= all) return std::move(from->cases);
-  CaseStore rows(widthsOf(*from));
+  CaseStore rows(from->cases.widths());
   if (first < all) rows.appendCases(from->cases.caseAt(first), std::min(count, all - first));
   return rows;
 }

@@ -4,6 +4,8 @@
 #include <iterator>
 #include <utility>
 
+#include "engine/move_element.h"
+
 namespace kova::engine {
 namespace {
 
@@ -58,9 +60,7 @@ void Variables::erase(std::size_t position) {
 }
 
 void Variables::move(std::size_t from, std::size_t to) {
-  const auto at = [this](std::size_t position) { return variables_.begin() + static_cast<std::ptrdiff_t>(position); };
-  if (from < to) std::rotate(at(from), at(from) + 1, at(to) + 1);
-  if (to < from) std::rotate(at(to), at(from), at(from) + 1);
+  moveElement(&variables_, from, to);
   renumber(std::min(from, to));
 }
 

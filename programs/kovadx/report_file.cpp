@@ -5,6 +5,7 @@
 #include <fstream>
 #include <utility>
 
+#include "engine/file_system.h"
 #include "platform/os/file.h"
 #include "platform/os/process.h"
 
@@ -36,17 +37,18 @@ bool isNoReport(const std::string& path) {
   return file.gcount() > 0 && found != start;
 }
 
-bool writeBytes(const std::string& path, const std::string& bytes, std::string* problem) {
-  os::Error error = os::kSuccess;
-  std::FILE* const file = os::OpenFile(path, "wb", &error);
-  if (file == nullptr) {
-    *problem = os::ErrorText(error);
-    return false;
-  }
-  const bool isWritten = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-  const bool isClosed = std::fclose(file) == 0;
-  if (!isWritten || !isClosed) *problem = "the disk may be full";
-  return isWritten && isClosed;
+os::Error writeBytes(engine::FileSystem& files, const std::string& path, const std::string& bytes) {
+  std::FILE* file = nullptr;
+  os::Error error = files.create(path, &file);
+  if (error != os::kSuccess) return error;
+  error = files.write(file, bytes);
+  const os::Error finished = files.finish(file);
+  return error != os::kSuccess ? error : finished;
+}
+
+bool isDone(os::Error error, std::string* problem) {
+  if (error != os::kSuccess) *problem = os::ErrorText(error);
+  return error == os::kSuccess;
 }
 
 }  // namespace
@@ -64,20 +66,18 @@ bool ReportFile::check(std::string* problem) const {
     *problem = "there is a file that is no report";
     return false;
   }
-  const bool isWritten = writeBytes(temporary_, "", problem);
-  os::DeletePlainFile(temporary_);
-  return isWritten;
+  engine::FileSystem files;
+  const os::Error error = writeBytes(files, temporary_, "");
+  files.remove(temporary_);
+  return isDone(error, problem);
 }
 
 bool ReportFile::write(const std::string& bytes, std::string* problem) const {
-  if (writeBytes(temporary_, bytes, problem)) {
-    std::error_code error;
-    fs::rename(temporary_, target_, error);
-    if (!error) return true;
-    *problem = error.message();
-  }
-  os::DeletePlainFile(temporary_);
-  return false;
+  engine::FileSystem files;
+  os::Error error = writeBytes(files, temporary_, bytes);
+  if (error == os::kSuccess) error = files.moveOver(temporary_, target_);
+  if (error != os::kSuccess) files.remove(temporary_);
+  return isDone(error, problem);
 }
 
 }  // namespace kova::program

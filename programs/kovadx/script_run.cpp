@@ -6,8 +6,6 @@
 #include <future>
 
 #include "engine/inner_runtime.h"
-#include "host/DriveX.h"
-#include "host/StatisticsX.h"
 #include "message/error_codes.h"
 
 namespace kova::program {
@@ -32,15 +30,13 @@ std::string explained(int code) {
   return "error " + std::to_string(code) + known;
 }
 
-// A run can end before the script was given to the runtime.
-bool isBeforeTheScript(int code) { return code == kHostNotInitialised || code == kPythonSetUpFailed; }
-
 Outcome performRun(engine::InnerRuntime& runtime, const std::vector<std::string>& lines) {
   const int started = runtime.start();
   if (started != 0) return {false, started};
-  const int code = runtime.run(lines);
+  Outcome outcome;
+  outcome.code = runtime.run(lines, &outcome.wasRun);
   runtime.stop();
-  return {!isBeforeTheScript(code), code};
+  return outcome;
 }
 
 // Nobody can take the thread from a script that does not end.

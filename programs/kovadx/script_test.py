@@ -76,6 +76,11 @@ class Scripts(ScriptTest):
         self.assertEqual(self.run_script("ECHO", "return 256"), (
             125, [], ["kovadx: the script ended with error 256"]))
         self.assertEqual(self.run_script("ECHO", "return -1")[0], 125)
+        report = self.scratch / "report.html"
+        self.assertEqual(self.run_script("ECHO", "shown", "return 99115", more=("--output", report)), (
+            125, ["shown"], ["kovadx: the script ended with error 99115: The runtime was asked to work before it was "
+                             "started. Start it first; an earlier failure tells why it is not."]))
+        self.assertIn("shown", report.read_text(encoding="utf-8"), "a script that has run has its report")
         self.assertEqual(self.run_script("ECHO", "variables"), (
             125, [], ["kovadx: the script ended with error 98004: No data set is open. Start the engine with one: kovadx "
                       "run --data."]))

@@ -4,15 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <utility>
 
-#include "api/InitDxGlobal.h"
 #include "engine/data_package.h"
-#include "engine/engine.h"
-#include "engine/inner_runtime.h"
+#include "engine/inner_runtime_kit.h"
 #include "message/commands.h"
-#include "platform/os/process.h"
 #include "tests/kit/kit.h"
 #include "tests/kit/scratch_folder.h"
 
@@ -42,46 +38,18 @@ const std::string& home() {
   return path;
 }
 
-class PythonInEngine : public testing::Test {
+class PythonInEngine : public ServingTest {
  protected:
-  PythonInEngine()
-      : runtime_("PYTHON", (Initialise(), home()),
-                 [this](const CleXDSmb& request, CleXDSmb& reply, int level) { Perform(request, reply, level); }) {
+  PythonInEngine() : ServingTest(home()), runtime_("PYTHON", home(), Performer()) {
     DataSet penguins;
     std::string problem;
     EXPECT_TRUE(readDataPackage(KOVA_SOURCE_DIR "/examples/penguins", &penguins, &problem)) << problem;
     engine_.open(std::move(penguins));
-    engine_.onOutput(
-        [this](const std::string& text) { shown_.push_back(text.substr(0, text.find_last_not_of('\n') + 1)); });
     EXPECT_EQ(runtime_.start(), 0);
     EXPECT_EQ(runtime_.run({kClient}), 0);
   }
-  ~PythonInEngine() override {
-    EXPECT_EQ(runtime_.stop(), 0);
-    FinalizeDXGlobal();
-  }
+  ~PythonInEngine() override { EXPECT_EQ(runtime_.stop(), 0); }
 
-  static void Initialise() {
-    char pid[16];
-    std::snprintf(pid, sizeof pid, "%04x", static_cast<unsigned>(os::CurrentProcessId()));
-    InitDxGlobal("", pid, "KOVAENGINE", home());
-  }
-
-  // What the blocks have shown since the last call.
-  std::vector<std::string> Shown() { return std::exchange(shown_, {}); }
-
-  // Submitted syntax goes to the test, everything else to the engine.
-  void Perform(const CleXDSmb& request, CleXDSmb& reply, int level) {
-    if (onSubmit_ && request.GetCommandAction() == Command::Submit) {
-      reply.SetErrorCode(onSubmit_(request.Strings()[0]));
-    } else {
-      engine_.perform(request, reply, level);
-    }
-  }
-
-  Engine engine_;
-  std::function<int(const std::string&)> onSubmit_;
-  std::vector<std::string> shown_;
   InnerRuntime runtime_;
 };
 

@@ -7,11 +7,9 @@ using namespace kova;
 
 namespace {
 
-constexpr os::Error kDiskFull = 112;
-
 os::Error copyOrNothing(const std::string& source, const std::string& target) {
   const os::Error error = os::CopyPlainFile(source, target);
-  if (error == kDiskFull) os::DeletePlainFile(target);
+  if (error == os::kDiskFull) os::DeletePlainFile(target);
   return error;
 }
 

@@ -1,6 +1,7 @@
 #include "api/call_frame.h"
 
 #include "api/guard.h"
+#include "api/local_results.h"
 #include "api/pipe_selection.h"
 #include "config/text_utilities.h"
 #include "transport/KovaPipe.h"
@@ -11,11 +12,6 @@ namespace {
 
 constexpr int kOpenAttempts = 20;
 constexpr unsigned int kOpenPauseMs = 100;
-
-int store(int* place, int code) {
-  if (place) *place = code;
-  return code;
-}
 
 // A pause follows every failed attempt, the last one too, so that a dead engine costs two seconds.
 int openRequestPipe(KovaPipe& pipe) {
@@ -66,11 +62,11 @@ int converse(Command command, std::span<const CallItem> items, int* errorCode, M
   pack(command, items, request);
   const CallPipes pipes = SelectPipes();
   if (!pipes) return kPipeFailed;
-  int code = store(errorCode, sendRequest(*pipes.request, request));
+  int code = StoreAt(errorCode, sendRequest(*pipes.request, request));
   // A request that could not be built was never sent, and nobody will answer it.
   if (code == kNotEnoughMemory || (code != 0 && !manner.waitsWhenUnsent)) return code;
   CleXDSmb reply;
-  code = store(errorCode, receiveReply(*pipes.reply, reply, manner.engineCode));
+  code = StoreAt(errorCode, receiveReply(*pipes.reply, reply, manner.engineCode));
   if (isUnpacked(code, manner.engineCode)) unpack(items, reply);
   return code;
 }
@@ -78,7 +74,7 @@ int converse(Command command, std::span<const CallItem> items, int* errorCode, M
 }  // namespace
 
 int Exchange(Command command, std::span<const CallItem> items, int* errorCode, Manner manner) noexcept {
-  return store(errorCode, Guarded([&] { return converse(command, items, errorCode, manner); }));
+  return StoreAt(errorCode, Guarded([&] { return converse(command, items, errorCode, manner); }));
 }
 
 bool Affirmed(Command command) {

@@ -23,6 +23,7 @@
 
 namespace kova {
 
+constexpr int kInvalidAnswer = 13;  // A whole reply whose numbers can not be.
 constexpr int kEngineNotRunning = 17;
 constexpr int kEndOfCases = 23;       // The engine's code with the last cases of the data, or without any.
 constexpr int kEndOfSplitGroup = 67;  // The same of a split group.

@@ -6,7 +6,6 @@
 #include "api/client_cursor.h"
 #include "api/kovadx_ext.h"
 #include "api/local_results.h"
-#include "platform/os/error.h"
 
 using namespace kova;
 
@@ -14,7 +13,6 @@ namespace {
 
 constexpr int kNoVariable = 10;
 constexpr int kNoBatch = CursorDataSmb::NO_CACHE_DATA;
-constexpr int kInvalidBlock = static_cast<int>(os::kInvalidData);
 
 // A batch whose end was lost reads as zeros there. It is no batch here, where nobody would look at every case.
 int fetchWholeBatch(CursorDataSmb& cursor) {
@@ -23,7 +21,7 @@ int fetchWholeBatch(CursorDataSmb& cursor) {
   const int status = LastReceiveStatus();
   if (status == 0 && cursor.HasData()) return 0;
   DropBatch(cursor);
-  return status != 0 ? status : kInvalidBlock;
+  return status != 0 ? status : kInvalidAnswer;
 }
 
 int toNextCase(CursorDataSmb& cursor) {
@@ -71,7 +69,7 @@ int KovaLayOutCase(const int* varTypes, int varCount, int* offsets, int* caseSiz
   for (int i = 0; varTypes && i < varCount; ++i) {
     if (offsets) offsets[i] = static_cast<int>(bytes);
     bytes += std::int64_t{UnitsOfType(varTypes[i])} * kUnitBytes;
-    if (bytes > std::numeric_limits<int>::max()) return kInvalidBlock;
+    if (bytes > std::numeric_limits<int>::max()) return kInvalidAnswer;
   }
   StoreAt(caseSize, static_cast<int>(bytes));
   return 0;

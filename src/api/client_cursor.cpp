@@ -9,12 +9,9 @@
 
 #include "api/call_frame.h"
 #include "api/kovadx.h"
-#include "platform/os/error.h"
 
 namespace kova {
 namespace {
-
-constexpr int kNoValidCase = static_cast<int>(os::kInvalidData);
 
 int readMissingNumbers(int index, VarInfo& info) {
   return GetVarNMissingValues(index, &info.missingCode, &info.missing[0].number, &info.missing[1].number,
@@ -46,7 +43,7 @@ int addVariable(CursorDataSmb& cursor, int index, std::int64_t& units) {
   cursor.GetObsIndex().push_back(static_cast<unsigned int>(units));
   units += UnitsOfType(info->type);
   cursor.AddVarInfo(info.release());
-  return units * kUnitBytes > std::numeric_limits<int>::max() ? kNoValidCase : 0;
+  return units * kUnitBytes > std::numeric_limits<int>::max() ? kInvalidAnswer : 0;
 }
 
 int addVariables(CursorDataSmb& cursor) {

@@ -9,12 +9,9 @@
 #include "api/file_transfers.h"
 #include "api/kovadx.h"
 #include "config/never_destroyed.h"
-#include "platform/os/error.h"
 
 namespace kova {
 namespace {
-
-constexpr int kInvalidSize = static_cast<int>(os::kInvalidData);
 
 // The number that the engine answers with. A reply that was cut short is a failure here: the record would have a layout
 // that the data set has not.
@@ -42,7 +39,7 @@ int readLayout(const char* dataSet, DatastepDataSmb& record) {
   int code = 0;
   const int size = numberOf(Command::GetCaseLength, &code, Text{dataSet});
   if (code != 0) return code;
-  if (size < 0) return kInvalidSize;
+  if (size < 0) return kInvalidAnswer;
   record.SetOneCaseSize(size);
   const int count = numberOf(Command::GetVarCountInDS, &code, Text{dataSet});
   return code != 0 ? code : readTypes(dataSet, count, record);

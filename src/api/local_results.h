@@ -6,10 +6,11 @@
 
 namespace kova {
 
-// Stores a result, unless the caller wants none.
+// Stores a result, unless the caller wants none, and gives it back.
 template <class Value>
-void StoreAt(Value* place, Value value) {
+Value StoreAt(Value* place, Value value) {
   if (place) *place = value;
+  return value;
 }
 
 // The text that the body stores in a block of malloc; null when its code is not 0. `*errorCode` receives the code.

@@ -19,6 +19,7 @@ constexpr Error kInvalidData = 13;
 constexpr Error kGeneralFailure = 31;
 constexpr Error kNotSupported = 50;
 constexpr Error kBrokenPipe = 109;
+constexpr Error kDiskFull = 112;
 constexpr Error kSemTimeout = 121;
 constexpr Error kFileNameTooLong = 206;
 constexpr Error kPipeBusy = 231;
