@@ -32,6 +32,20 @@ def wait_until(condition, what):
         time.sleep(0.005)
 
 
+def thread_states(pid):
+    for status in pathlib.Path(f"/proc/{pid}/task").glob("*/stat"):
+        try:
+            yield status.read_text().rpartition(")")[2].split()[0]
+        except (FileNotFoundError, ProcessLookupError):
+            pass
+
+
+def wait_until_at_rest(pid):
+    """Waits until all threads of a process sleep. The thread sanitizer loses a signal that reaches a thread just as it
+    begins, so none is sent before."""
+    wait_until(lambda: set(thread_states(pid)) == {"S"}, "the program is at rest")
+
+
 class KovadxTest(unittest.TestCase):
     maxDiff = None
 

@@ -8,7 +8,7 @@ import subprocess
 import threading
 import time
 
-from kovadx_kit import EXPECTED, HERE, PATIENCE, PENGUINS, KovadxTest, options, run_tests, wait_until
+from kovadx_kit import EXPECTED, HERE, PATIENCE, PENGUINS, KovadxTest, options, run_tests, wait_until, wait_until_at_rest
 
 
 def is_alive(pid):
@@ -419,6 +419,8 @@ class PosixEnding(KovadxTest):
         process = self.start("run", "--data", PENGUINS, "--", "/bin/sh", "-c", script, **more)
         pid = int(process.stdout.readline())
         self.assertTrue(is_alive(pid))
+        wait_until(lambda: list(self.pipes.glob("*xdapi")), "the pipe is there")
+        wait_until_at_rest(process.pid)
         return process, pid
 
     def test_an_interrupt_ends_the_program_too(self):
@@ -462,7 +464,6 @@ class PosixEnding(KovadxTest):
 
     def test_the_program_does_not_outlive_a_killed_kovadx(self):
         process, pid = self.run_until_up(self.STUBBORN)
-        wait_until(lambda: list(self.pipes.glob("*xdapi")), "the pipe is there")
         process.kill()
         process.wait(PATIENCE)
         wait_until(lambda: not is_alive(pid), "the program ends")
