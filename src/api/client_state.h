@@ -42,11 +42,12 @@ const unsigned short* KeepWideText(const WideUnit* text);
 // Frees the wide text.
 void DropWideText();
 
-// What SetXNameAndSHome and SetRTempFolderToKOVA have stored.
+// What SetXNameAndSHome, SetRTempFolderToKOVA and InitXProcess have stored.
 struct ClientIdentity {
   std::string xName;
   std::string kovaHome;
   std::string rTempFolder;
+  std::string reserved;
 };
 ClientIdentity& StoredIdentity();
 

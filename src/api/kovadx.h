@@ -80,6 +80,20 @@ KOVADX_API int SetKovaRunning(bool running);
  * used. Read by the first call of the engine; later changes have no effect on it. */
 KOVADX_API void SetXNameAndSHome(const char* xName, const char* kovaHome);
 
+/** Begins a process that the engine has started for the runtime of an external language; called once, before any other
+ * function. It takes the engine's home folder from the environment variable KOVA_HOME and all else from what the engine
+ * tells its runtimes, marks the engine as running, and starts the language's runtime on the calling thread when the
+ * configuration lists the language with a library; R, which is running already, is only marked as ready. A language
+ * that the configuration does not list is no error. Null counts as empty.
+ *
+ * @param mode "LOCAL", or the name of the engine's program, for an engine on this machine; "REMOTE" otherwise
+ * @param tempPath the engine's folder for temporary files
+ * @param pid the text that the engine's pipe names begin with
+ * @param xName the language's name, in upper case
+ * @param reserved stored, and not used */
+KOVADX_API void InitXProcess(const char* mode, const char* tempPath, const char* pid, const char* xName,
+                             const char* reserved);
+
 /** Stores a folder for the language package's own use; null counts as empty. 0, or 8. */
 KOVADX_API int SetRTempFolderToKOVA(const char* folder);
 

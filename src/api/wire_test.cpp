@@ -133,6 +133,7 @@ const std::set<std::string> kLocal = {
     "GetStringListLength",
     "GetVarInfo",
     "GetVarTypeInDSCache",
+    "InitXProcess",
     "RecordBrowserOutput",
     "RemoveStringList",
     "SaveFileInDS",
