@@ -77,6 +77,20 @@ TEST_F(Processes, GetTheirArgumentsUnchanged) {
   EXPECT_EQ(kit::waitForChild(child), 0);
 }
 
+TEST_F(Processes, GetTheArgumentsInATextAsProgramsTakeItApart) {
+  os::ProcessStart start = kit::childStart("tells_arguments", {"not looked at"});
+  start.commandLine = " " + start.arguments[0] + " \ttells_arguments " + name_ +
+                      R"( plain "two words" "" \"quoted\" "say \"it\"" back\slash\ "c d\\\\" tail\\\"x)";
+  os::Process child;
+  ASSERT_EQ(os::Process::Start(start, &child), os::kSuccess);
+  server_.accept();
+  const std::vector<std::string> expected = {"plain",      "two words",     "",        "\"quoted\"",
+                                             "say \"it\"", "back\\slash\\", "c d\\\\", "tail\\\"x"};
+  for (const std::string& argument : expected) EXPECT_EQ(receive(server_), (Received{os::kSuccess, argument}));
+  EXPECT_EQ(server_.write("done"), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child), 0);
+}
+
 TEST_F(Processes, GetThisEnvironmentAndTheirOwn) {
   os::SetEnvironment("KOVA_CONFORMANCE_KEPT", "kept");
   os::SetEnvironment("KOVA_CONFORMANCE_CHANGED", "before");
@@ -208,6 +222,100 @@ KOVA_KIT_CHILD(starts_holder) {
   if (os::Process::Start(start, &grandchild) != os::kSuccess) return 1;
   grandchild.Wait(os::kWaitForever, &code);
   return code;
+}
+
+// Tells how its own child, which holds the pipe of the second argument, is doing.
+KOVA_KIT_CHILD(starts_holder_on_a_thread_that_ends) {
+  os::ProcessStart start = kit::childStart("holds_pipe", {arguments.at(1)});
+  start.endsWithParent = true;
+  os::Process grandchild;
+  Error error = os::kGeneralFailure;
+  std::thread([&] { error = os::Process::Start(start, &grandchild); }).join();
+  if (error != os::kSuccess) return 1;
+  Pipe pipe;
+  if (pipe.open(arguments.at(0)) != os::kSuccess) return 2;
+  if (pipe.write("started") != os::kSuccess) return 3;
+  int code = 0;
+  return grandchild.Wait(os::kWaitForever, &code) == os::kSuccess ? code : 4;
+}
+
+TEST_F(Processes, ThatEndWithTheirParentOutliveTheThreadThatStartedThem) {
+  Pipe holder;
+  const std::string holderName = kit::scratchName();
+  ASSERT_EQ(holder.create(holderName), os::kSuccess);
+  os::Process child = kit::startChild("starts_holder_on_a_thread_that_ends", {name_, holderName});
+  ASSERT_TRUE(child);
+  holder.accept();
+  EXPECT_EQ(receive(holder), (Received{os::kSuccess, "here"}));
+  server_.accept();
+  EXPECT_EQ(receive(server_), (Received{os::kSuccess, "started"}));
+  EXPECT_EQ(holder.write("end"), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child), 0) << "the grandchild ended by itself";
+}
+
+// Starts a child that holds the pipe, and ends as it is told.
+KOVA_KIT_CHILD(starts_holder_and_ends) {
+  os::Process grandchild = kit::startChild("holds_pipe", {arguments.at(0)});
+  if (readOwnInput('.') == "kill") os::EndWithChildren();
+  return 21;
+}
+
+// Starts it apart, with the pipe that tells it when to end.
+class Apart : public Processes {
+ protected:
+  Apart() { EXPECT_EQ(os::BytePipeEnd::Create(&childsInput_, &input_), os::kSuccess); }
+
+  void start() {
+    os::ProcessStart start = kit::childStart("starts_holder_and_ends", {name_});
+    start.isApart = true;
+    start.input = &childsInput_;
+    ASSERT_EQ(os::Process::Start(start, &child_), os::kSuccess);
+    server_.accept();
+    EXPECT_EQ(receive(server_), (Received{os::kSuccess, "here"}));
+  }
+
+  os::BytePipeEnd childsInput_;
+  os::BytePipeEnd input_;
+  os::Process child_;
+};
+
+TEST_F(Apart, WhatTheyStartIsKilledWhenTheyHaveEnded) {
+  start();
+  EXPECT_EQ(input_.Write("end.", 4), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child_), 21);
+  EXPECT_EQ(receive(server_), (Received{os::kBrokenPipe, ""}));
+}
+
+TEST_F(Apart, WhatTheyStartIsTerminatedWithThem) {
+  start();
+  EXPECT_EQ(child_.Terminate(), os::kSuccess);
+  EXPECT_EQ(receive(server_), (Received{os::kBrokenPipe, ""}));
+  EXPECT_EQ(kit::waitForChild(child_), kit::kBackend.terminatedCode);
+  EXPECT_EQ(child_.Terminate(), os::kSuccess) << "also when it has ended";
+}
+
+TEST_F(Apart, TheyCanEndThemselvesWithWhatTheyStarted) {
+  start();
+  EXPECT_EQ(input_.Write("kill.", 5), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child_), kit::kBackend.terminatedCode);
+  EXPECT_EQ(receive(server_), (Received{os::kBrokenPipe, ""}));
+}
+
+KOVA_KIT_CHILD(tells_whether_its_input_is_empty) { return readOwnInput('.').empty() ? 31 : 1; }
+
+TEST_F(Apart, TheyReadNothingWhenTheyAreGivenNothing) {
+  os::ProcessStart start = kit::childStart("tells_whether_its_input_is_empty");
+  start.isApart = true;
+  ASSERT_EQ(os::Process::Start(start, &child_), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child_), 31);
+}
+
+TEST_F(Apart, TheyCanEndWithTheirParentToo) {
+  os::ProcessStart start = kit::childStart("exits_with", {"6"});
+  start.isApart = true;
+  start.endsWithParent = true;
+  ASSERT_EQ(os::Process::Start(start, &child_), os::kSuccess);
+  EXPECT_EQ(kit::waitForChild(child_), 6);
 }
 
 os::EventHandle endRequested = nullptr;

@@ -92,6 +92,47 @@ TEST_F(Watches, CanWatchTheirOwnProcess) {
   EXPECT_EQ(watch.Wait(), os::kOperationAborted);
 }
 
+KOVA_KIT_CHILD(watches_its_parent) {
+  Pipe pipe;
+  if (pipe.open(arguments.at(0)) != os::kSuccess) return 1;
+  os::ProcessWatch watch;
+  if (os::ProcessWatch::OpenParent(&watch) != os::kSuccess) return 2;
+  if (pipe.write("watching") != os::kSuccess) return 3;
+  if (watch.Wait() != os::kSuccess) return 4;
+  if (pipe.write("parent gone") != os::kSuccess) return 5;
+  receive(pipe);
+  return 0;
+}
+
+KOVA_KIT_CHILD(is_watched_by_its_child) {
+  os::Process child = kit::startChild("watches_its_parent", {arguments.at(0)});
+  return kit::waitForChild(child);
+}
+
+TEST_F(Watches, SeeTheParentEnd) {
+  os::Process child = kit::startChild("is_watched_by_its_child", {name_});
+  ASSERT_TRUE(child);
+  server_.accept();
+  ASSERT_EQ(receive(server_), (Received{os::kSuccess, "watching"}));
+  EXPECT_EQ(child.Terminate(), os::kSuccess);
+  EXPECT_EQ(receive(server_), (Received{os::kSuccess, "parent gone"}));
+  EXPECT_EQ(server_.write("end"), os::kSuccess);
+  EXPECT_EQ(receive(server_), (Received{os::kBrokenPipe, ""}));
+  EXPECT_EQ(kit::waitForChild(child), kit::kBackend.terminatedCode);
+}
+
+TEST_F(Watches, OfTheParentCanBeCancelled) {
+  os::Process child = kit::startChild("cancels_the_watch_of_its_parent");
+  EXPECT_EQ(kit::waitForChild(child), 11);
+}
+
+KOVA_KIT_CHILD(cancels_the_watch_of_its_parent) {
+  os::ProcessWatch watch;
+  if (os::ProcessWatch::OpenParent(&watch) != os::kSuccess) return 1;
+  if (watch.Cancel() != os::kSuccess) return 2;
+  return watch.Wait() == os::kOperationAborted ? 11 : 3;
+}
+
 TEST_F(Watches, WithoutAProcessGive6) {
   os::ProcessWatch watch;
   EXPECT_FALSE(static_cast<bool>(watch));

@@ -1,5 +1,6 @@
 #include "tests/conformance/seam_fixture.h"
 
+#include <cstdio>
 #include <ostream>
 
 #ifdef KOVA_KIT_FAKE
@@ -28,6 +29,37 @@ void resetBackend() {
   fake::reset();
 #endif
 }
+
+#ifdef KOVA_KIT_FAKE
+std::string readOwnInput(char end) {
+  std::string text;
+  for (std::string next = fake::readInput(1); !next.empty() && next[0] != end; next = fake::readInput(1)) text += next;
+  return text;
+}
+
+void writeOwnOutput(const std::string& bytes) { fake::writeOutput(bytes); }
+
+void writeOwnErrors(const std::string& bytes) { fake::writeOutput(bytes); }
+#else
+std::string readOwnInput(char end) {
+  std::string text;
+  for (int next = std::getchar(); next != EOF && next != end; next = std::getchar()) text += static_cast<char>(next);
+  return text;
+}
+
+namespace {
+
+void writeAtOnce(const std::string& bytes, std::FILE* stream) {
+  std::fwrite(bytes.data(), 1, bytes.size(), stream);
+  std::fflush(stream);
+}
+
+}  // namespace
+
+void writeOwnOutput(const std::string& bytes) { writeAtOnce(bytes, stdout); }
+
+void writeOwnErrors(const std::string& bytes) { writeAtOnce(bytes, stderr); }
+#endif
 
 Error Pipe::write(const std::string& message) {
   std::uint32_t written = 12345;

@@ -23,6 +23,12 @@ constexpr std::uint32_t kArea = 8192;
 // Puts the fake backend into its first state; nothing on the others.
 void resetBackend();
 
+// The standard streams of a child function, as its program has them. A text read ends before that character, or at the
+// end of the input.
+std::string readOwnInput(char end);
+void writeOwnOutput(const std::string& bytes);
+void writeOwnErrors(const std::string& bytes);
+
 class SeamTest : public testing::Test {
  protected:
   SeamTest() { resetBackend(); }

@@ -126,6 +126,7 @@ void reset() {
   k.log.clear();
   k.sleptMs = k.advancedMs = k.yieldedUs = 0;
   k.patienceMs = 200;
+  resetBytePipes();
   resetFiles();
   resetLibraries();
   resetPipes();

@@ -19,11 +19,16 @@ namespace kova::fake {
 constexpr std::uint32_t kNoLimit = 0xFFFFFFFF;
 constexpr std::uint32_t kKilledExitCode = 0xFFFFFFFF;
 
+struct ByteFlow;
+
 // What belongs to one process: the test's own, or a program that runs as a function on a thread.
 struct ProcessState {
   std::uint32_t id = 0x1234;
   std::map<std::string, std::string> environment;
   void (*endRequestHandler)() = nullptr;
+  std::uint32_t group = 0;          // The id of the program with whose end it is killed; 0: of none.
+  std::shared_ptr<ByteFlow> input;  // Its standard streams; null: at its end, and read by nobody.
+  std::shared_ptr<ByteFlow> output;
 };
 
 // What is known of one thread; shared by its handle and the thread itself.
@@ -111,10 +116,15 @@ class Call {
 // Closes the pipe ends that an ended program has left open. Called with the kernel locked.
 void closePipesOf(const ProcessState& process);
 
-// The same for its sockets.
+// The same for its sockets, and for its byte pipes and standard streams.
 void closeSocketsOf(const ProcessState& process);
+void closeBytePipesOf(ProcessState& process);
+
+// How many byte pipe ends are open. Called with the kernel locked.
+unsigned openBytePipeEnds();
 
 // What reset() has each part do, under the lock.
+void resetBytePipes();
 void resetFiles();
 void resetLibraries();
 void resetPipes();

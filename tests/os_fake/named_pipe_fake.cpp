@@ -345,7 +345,7 @@ unsigned openPipeEnds(const char* pipeName) {
   const auto& ends = os::pipes().ends;
   const auto count =
       std::count_if(ends.begin(), ends.end(), [&](const os::End* end) { return !pipeName || end->name == pipeName; });
-  return static_cast<unsigned>(count);
+  return static_cast<unsigned>(count) + (pipeName ? 0 : openBytePipeEnds());
 }
 
 void closePipesOf(const ProcessState& process) {

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -55,7 +56,8 @@ void losePeer(const char* pipeName);
 // The next read that finds a message gives at most that many bytes of it (234, the rest stays).
 void shortNextRead(std::uint32_t bytes);
 
-// How many pipe ends of that name are open, server and client ends alike; of all names when it is null.
+// How many pipe ends of that name are open, server and client ends alike; of all names, and of byte pipes too, when it
+// is null.
 unsigned openPipeEnds(const char* pipeName = nullptr);
 
 // ---- Sockets. Every call is listed with the address, the backlog, the version or the size that it was given; Await is
@@ -87,8 +89,9 @@ struct Program {
   // How long it runs in virtual time; kWaitForever of named_pipe.h: until it is ended.
   std::uint32_t runsForMs = 0;
   // When set, it runs on a thread of its own instead, and its result is the exit code. It sees the test's memory, but
-  // has a process id and an environment of its own, as have the threads that it starts. A terminated one stops at its
-  // next call of the seam.
+  // has a process id, an environment and standard streams of its own, as have the threads that it starts. A terminated
+  // one stops at its next call of the seam, or of readInput, readInputLine and writeOutput. It gets what it was started
+  // with, save that a command line is already taken apart into the arguments.
   std::function<int(const os::ProcessStart&)> body;
   // What Process::Start gives instead of starting it.
   os::Error startError = os::kSuccess;
@@ -99,8 +102,36 @@ void registerProgram(const std::string& name, Program program);
 void registerProgram(const std::string& name, int exitCode);
 void registerProgram(const std::string& name, std::function<int(const os::ProcessStart&)> body);
 
-// What was started, in order.
+// What was started, in order. The pipe ends that were named may be gone by now.
 std::vector<os::ProcessStart> startedPrograms();
+
+// ---- Standard streams of programs: called by a body, or by a thread that it has started, for its own program. A
+// program that was told of no ends has those of the program that has started it; the test itself has none. Its ends are
+// closed when it ends, and what reads or writes at the other side is woken. A console that answers line by line is
+//
+//   registerProgram("console", [](const os::ProcessStart&) {
+//     writeOutput("> ");
+//     while (const auto line = readInputLine()) writeOutput("you said " + *line + "\n> ");
+//     return 0;
+//   });
+
+// What has come, at most that many bytes; waits for the first. Empty at the end of the input, or without one.
+std::string readInput(std::size_t most = 4096);
+
+// The next line, without its line break; waits for it. Nothing at the end of the input; what is left there without a
+// line break is a line too.
+std::optional<std::string> readInputLine();
+
+// Writes all of it, and waits while the pipe is full. False when nobody reads it any more; without an output it is
+// lost.
+bool writeOutput(const std::string& bytes);
+
+// BytePipeEnd::Read gives at most that many bytes from now on; 0 after reset: no limit. A pipe takes in 64 KiB before
+// its reader reads.
+void limitByteReads(std::uint32_t bytes);
+
+// EndWithChildren and ProcessWatch::OpenParent belong to a program that a test has started. Called by the test itself,
+// OpenParent finds that its parent has ended, and the thread that calls EndWithChildren stands still for ever.
 
 // Ends a running program as if by itself. False when no such program runs.
 bool endProgram(std::uint32_t processId, int exitCode);

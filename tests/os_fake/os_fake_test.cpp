@@ -25,6 +25,12 @@ using testing::ElementsAre;
 
 constexpr const char* kName = "\\\\.\\pipe\\fake";
 
+os::ProcessStart startOf(const std::string& program) {
+  os::ProcessStart start;
+  start.program = program;
+  return start;
+}
+
 class OsFake : public testing::Test {
  protected:
   void SetUp() override { reset(); }
@@ -118,7 +124,7 @@ TEST_F(OsFake, ResetForgetsScriptLogClockAndEnvironment) {
   EXPECT_EQ(callCount("SleepMs"), 0u);
   EXPECT_EQ(os::CurrentProcessId(), 0x1234u);
   os::Process process;
-  EXPECT_EQ(os::Process::Start({.program = "x", .arguments = {}, .environment = {}}, &process), os::kFileNotFound);
+  EXPECT_EQ(os::Process::Start(startOf("x"), &process), os::kFileNotFound);
 }
 
 TEST_F(OsFake, SleepsTakeVirtualTimeOnly) {
@@ -246,7 +252,8 @@ TEST_F(FakePipe, TakesOneClientAnInstanceAndSeesBusyFromOutside) {
 TEST_F(OsFake, RunsAProgramInVirtualTime) {
   registerProgram("bin\\tool.exe", {.exitCode = 259, .runsForMs = 5000, .body = {}});
   os::Process process;
-  const os::ProcessStart start{.program = "bin/tool.exe", .arguments = {"-x"}, .environment = {}};
+  os::ProcessStart start = startOf("bin/tool.exe");
+  start.arguments = {"-x"};
   ASSERT_EQ(os::Process::Start(start, &process), os::kSuccess);
   int code = -1;
   EXPECT_EQ(process.Wait(1000, &code), os::kWaitTimeout);
@@ -261,7 +268,7 @@ TEST_F(OsFake, RunsAProgramInVirtualTime) {
 TEST_F(OsFake, RefusesToStartAsScripted) {
   registerProgram("locked", {.exitCode = 0, .body = {}, .startError = 5});
   os::Process process;
-  EXPECT_EQ(os::Process::Start({.program = "locked", .arguments = {}, .environment = {}}, &process), 5u);
+  EXPECT_EQ(os::Process::Start(startOf("locked"), &process), 5u);
   EXPECT_FALSE(process);
   EXPECT_TRUE(startedPrograms().empty());
 }
@@ -281,7 +288,7 @@ TEST_F(OsFake, EndsARunningProgram) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.label);
     os::Process process;
-    ASSERT_EQ(os::Process::Start({.program = "server", .arguments = {}, .environment = {}}, &process), os::kSuccess);
+    ASSERT_EQ(os::Process::Start(startOf("server"), &process), os::kSuccess);
     EXPECT_EQ(process.Wait(0, nullptr), os::kWaitTimeout);
     row.end(process);
     int code = -1;
@@ -305,8 +312,9 @@ TEST_F(OsFake, ABodyIsAProcessOfItsOwn) {
     return static_cast<int>(start.arguments.size());
   });
   os::Process process;
-  const os::ProcessStart start{
-      .program = "child", .arguments = {"a", "b"}, .environment = {{"GONE", ""}, {"NEW", "+"}}};
+  os::ProcessStart start = startOf("child");
+  start.arguments = {"a", "b"};
+  start.environment = {{"GONE", ""}, {"NEW", "+"}};
   ASSERT_EQ(os::Process::Start(start, &process), os::kSuccess);
   int code = -1;
   ASSERT_EQ(process.Wait(os::kWaitForever, &code), os::kSuccess);
@@ -329,7 +337,7 @@ TEST_F(OsFake, ATerminatedBodyLosesItsPipes) {
   os::NativeHandle server = nullptr;
   ASSERT_EQ(os::CreateMessagePipe(kName, 8192, &server), os::kSuccess);
   os::Process process;
-  ASSERT_EQ(os::Process::Start({.program = "child", .arguments = {}, .environment = {}}, &process), os::kSuccess);
+  ASSERT_EQ(os::Process::Start(startOf("child"), &process), os::kSuccess);
   const os::Error accepted = os::AcceptPeer(server);
   EXPECT_TRUE(accepted == os::kSuccess || accepted == os::kPipeConnected) << accepted;
   EXPECT_EQ(process.Terminate(), os::kSuccess);
@@ -344,13 +352,14 @@ TEST_F(OsFake, AChildThatEndsWithItsParentDoes) {
   std::atomic<std::uint32_t> grandchild{0};
   registerProgram("child", [&](const os::ProcessStart&) {
     os::Process process;
-    const os::ProcessStart start{.program = "grandchild", .arguments = {}, .environment = {}, .endsWithParent = true};
+    os::ProcessStart start = startOf("grandchild");
+    start.endsWithParent = true;
     EXPECT_EQ(os::Process::Start(start, &process), os::kSuccess);
     grandchild = process.Id();
     return 0;
   });
   os::Process process;
-  ASSERT_EQ(os::Process::Start({.program = "child", .arguments = {}, .environment = {}}, &process), os::kSuccess);
+  ASSERT_EQ(os::Process::Start(startOf("child"), &process), os::kSuccess);
   ASSERT_EQ(process.Wait(os::kWaitForever, nullptr), os::kSuccess);
   EXPECT_NE(grandchild, 0u);
   EXPECT_FALSE(endProgram(grandchild, 0)) << "it has ended already";

@@ -2,10 +2,13 @@
 #include "platform/os/process.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <memory>
 
 #include "platform/os/process_watch.h"
+#include "platform/posix/command_line_posix.h"
+#include "tests/os_fake/byte_flow_fake.h"
 #include "tests/os_fake/fake_kernel.h"
 #include "tests/os_fake/os_fake.h"
 
@@ -13,6 +16,7 @@ namespace kova::os {
 
 using fake::Call;
 using fake::kernel;
+using fake::Logged;
 
 namespace {
 
@@ -27,10 +31,17 @@ struct RunningProgram {
   int exitCode = 0;
   std::shared_ptr<fake::ThreadState> thread;
   std::shared_ptr<fake::ProcessState> process;
-  std::shared_ptr<fake::ProcessState> parent;  // Set when it ends with its parent.
+  std::shared_ptr<fake::ProcessState> parent;
+  bool endsWithParent = false;
 };
 
 using Shared = std::shared_ptr<RunningProgram>;
+
+// The pipes that a start names.
+struct Streams {
+  std::shared_ptr<fake::ByteFlow> input;
+  std::shared_ptr<fake::ByteFlow> output;
+};
 
 struct Programs {
   std::map<std::string, fake::Program> table;
@@ -57,9 +68,11 @@ void end(RunningProgram& running, int exitCode) {
   fake::killThreadsOf(*running.process);
   fake::closePipesOf(*running.process);
   fake::closeSocketsOf(*running.process);
+  fake::closeBytePipesOf(*running.process);
   Call::notify();
   for (const Shared& other : std::vector<Shared>(programs().running)) {
-    if (other->parent == running.process) end(*other, kKilled);
+    const bool goesToo = other->process->group == running.process->id;
+    if (goesToo || (other->endsWithParent && other->parent == running.process)) end(*other, kKilled);
   }
 }
 
@@ -103,15 +116,27 @@ void setAll(std::map<std::string, std::string>& environment,
   }
 }
 
+// What a new program is as a process: like the one that starts it, but for what it is told.
+std::shared_ptr<fake::ProcessState> processFor(const ProcessStart& start, const Streams& streams) {
+  const fake::ProcessState& parent = *fake::currentThread()->process;
+  auto process = std::make_shared<fake::ProcessState>();
+  process->id = ++programs().lastId;
+  process->environment = parent.environment;
+  process->group = start.isApart ? process->id : parent.group;
+  setAll(process->environment, start.environment);
+  fake::giveStreams(*process, start.input || start.isApart ? streams.input : parent.input,
+                    start.output ? streams.output : parent.output);
+  return process;
+}
+
 // Lets a program of that kind run; called with the kernel locked.
-Shared run(const fake::Program& program, const ProcessStart& start) {
+Shared run(const fake::Program& program, ProcessStart start, const Streams& streams) {
   auto running = std::make_shared<RunningProgram>();
-  running->process = std::make_shared<fake::ProcessState>(*fake::currentThread()->process);
-  running->process->id = ++programs().lastId;
-  running->process->endRequestHandler = nullptr;
-  setAll(running->process->environment, start.environment);
-  if (start.endsWithParent) running->parent = fake::currentThread()->process;
+  running->process = processFor(start, streams);
+  running->parent = fake::currentThread()->process;
+  running->endsWithParent = start.endsWithParent;
   running->program = program;
+  if (!start.commandLine.empty()) start.arguments = splitCommandLine(start.commandLine);
   if (program.body) {
     running->thread = fake::launch(running->process, [running, start] {
       const int exitCode = running->program.body(start);
@@ -158,8 +183,12 @@ Error Process::Start(const ProcessStart& start, Process* out) {
     const auto found = programs().table.find(key(start.program));
     if (found == programs().table.end()) return kFileNotFound;
     if (found->second.startError) return found->second.startError;
+    Streams streams;
+    if (start.input) streams.input = fake::flowOf(start.input->handle_);
+    if (start.output) streams.output = fake::flowOf(start.output->handle_);
+    if ((start.input && !streams.input) || (start.output && !streams.output)) return kInvalidHandle;
     programs().starts.push_back(start);
-    started.handle_ = new Shared(run(found->second, start));
+    started.handle_ = new Shared(run(found->second, start, streams));
   }
   *out = std::move(started);
   return kSuccess;
@@ -224,6 +253,23 @@ Error ProcessWatch::Open(std::uint32_t processId, ProcessWatch* out) {
   return kSuccess;
 }
 
+Error ProcessWatch::OpenParent(ProcessWatch* out) {
+  ProcessWatch opened;
+  {
+    const Call call("ProcessWatch::OpenParent");
+    if (call.failure()) return *call.failure();
+    const Shared own = runningOf(fake::currentThread()->process->id);
+    Watch watch;
+    if (own) {
+      own->endsWithParent = false;
+      watch = {runningOf(own->parent->id), own->parent == fake::ownProcess()};
+    }
+    opened.handle_ = new Watch(watch);
+  }
+  *out = std::move(opened);
+  return kSuccess;
+}
+
 Error ProcessWatch::Wait() {
   Call call("ProcessWatch::Wait");
   if (call.failure()) return *call.failure();
@@ -240,6 +286,18 @@ Error ProcessWatch::Cancel() {
   static_cast<Watch*>(handle_)->cancelled = true;
   Call::notify();
   return kSuccess;
+}
+
+void EndWithChildren() {
+  {
+    const Call call("EndWithChildren");
+    const Shared own = runningOf(fake::currentThread()->process->id);
+    if (own) end(*own, kKilled);
+    fake::kill(*fake::currentThread());
+  }
+  // A killed thread goes no further than this.
+  const Call never("EndWithChildren", Logged::CountOnly);
+  std::abort();
 }
 
 Error SetEndRequestHandler(void (*handler)()) {

@@ -27,8 +27,9 @@ enum class WhenTaken { Wait, GiveUp };
 // Both processes of a conversation must come to the same one, and none changes it once it has used a pipe.
 std::string PipeFolder();
 
-// Takes away what processes that were killed left of their pipes: those of this user whose names have that part in them
-// (a name so long that the platform shortens it is passed over). Pipes in use stay. 0 also where nothing is ever left.
+// Takes away what processes that were killed left of their pipes: those of this user whose names have that part in
+// them, all for an empty one (a name so long that the platform shortens it only has its shortened form's parts). Pipes
+// in use stay. 0 also where nothing is ever left.
 Error SweepStalePipes(const std::string& namePart);
 
 // Makes a server end: message type, blocking, duplex, of that buffer size. From its birth on it takes in one client and

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/os/byte_pipe.h"
 #include "platform/os/error.h"
 
 namespace kova::os {
@@ -14,12 +15,29 @@ namespace kova::os {
 // The id of this process, the one that pipe names are made of.
 std::uint32_t CurrentProcessId();
 
-// What a new process is made from. It gets the standard streams of this one, no other handle or descriptor.
+// What a new process is made from. It gets the standard streams of this one, or those that are named here, and no other
+// handle or descriptor.
 struct ProcessStart {
-  std::string program;                                           // A path, or a name that PATH is searched for.
-  std::vector<std::string> arguments;                            // Without the program itself.
+  std::string program;                 // A path, or a name that PATH is searched for.
+  std::vector<std::string> arguments;  // Without the program itself.
+
+  // In place of the arguments, when it is not empty: one text, which begins with a blank. Where programs take their
+  // arguments as one text they get this one; elsewhere it is taken apart as those programs would: at blanks and tabs
+  // that are not between double quotes, with '\' before a double quote standing for the quote.
+  std::string commandLine;
+
   std::vector<std::pair<std::string, std::string>> environment;  // Set beside this process's own; "" removes.
   bool endsWithParent = false;  // It is killed when this process ends, however that ends.
+
+  // It works for this process behind the scenes: no window is opened for it, the user's Ctrl-C goes past it, its
+  // standard input is empty unless `input` is given, and what it starts is killed when it has ended (as soon as that is
+  // waited for) or is terminated.
+  bool isApart = false;
+
+  // Ends of pipes that become its standard input, and its standard output and error stream; they stay the caller's, who
+  // closes them afterwards. Null: this process's own.
+  const BytePipeEnd* input = nullptr;
+  const BytePipeEnd* output = nullptr;
 };
 
 // One started process. Owns its handle; destruction neither ends nor waits for the process. One thread at a time, save
@@ -36,8 +54,8 @@ class Process {
   Process& operator=(const Process&) = delete;
   ~Process();
 
-  // Starts a program. 2 when there is none of that name, 5 when it may not be run, 193 when it is no program. With
-  // endsWithParent it must be called on a thread that lives as long as the process should.
+  // Starts a program. 2 when there is none of that name, 5 when it may not be run, 193 when it is no program, 6 when
+  // `input` or `output` holds no end. The calling thread may end before the process does.
   static Error Start(const ProcessStart& start, Process* out);
 
   std::uint32_t Id() const;
@@ -58,6 +76,9 @@ class Process {
  private:
   void* handle_ = nullptr;
 };
+
+// Kills this process at once, and what it has started with it when it was started with isApart.
+[[noreturn]] void EndWithChildren();
 
 // Has `handler` called, on a thread of its own choosing, when the user asks this program to end (Ctrl-C, SIGINT,
 // SIGTERM, a closed console). The handler may only store flags and signal events. Null restores the platform's way.

@@ -28,6 +28,11 @@ class ProcessWatch {
   // has collected yet. 5 when the process may not be watched.
   static Error Open(std::uint32_t processId, ProcessWatch* out);
 
+  // Begins to watch the process that has started this one, in place of the system: where this one was started with
+  // endsWithParent and the platform lets it choose, it is not killed any more when that process ends, but learns it
+  // here. A parent that has gone already counts as ended.
+  static Error OpenParent(ProcessWatch* out);
+
   // Waits until the process has ended: 0. 995 once cancelled.
   Error Wait();
 

@@ -2,13 +2,14 @@
 
 #include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
 
+#include "platform/posix/child_posix.h"
 #include "platform/posix/descriptor_posix.h"
 #include "platform/posix/error_posix.h"
+#include "platform/posix/parent_signal_posix.h"
 
 namespace kova::os {
 namespace {
@@ -20,21 +21,40 @@ struct Watch {
 
 Watch* watchOf(void* handle) { return static_cast<Watch*>(handle); }
 
+Error beginWatch(Descriptor process, void** handle) {
+  Descriptor wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+  if (!wake) return lastError();
+  return orNoMemory([&] {
+    *handle = new Watch{std::move(process), std::move(wake)};
+    return kSuccess;
+  });
+}
+
 }  // namespace
 
 ProcessWatch::~ProcessWatch() { delete watchOf(handle_); }
 
 Error ProcessWatch::Open(std::uint32_t processId, ProcessWatch* out) {
-  // By number, because the C library's header for it can not be used from C++ everywhere.
-  Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, static_cast<pid_t>(processId), 0)));
+  Descriptor process = openProcess(static_cast<pid_t>(processId));
   if (!process && errno != ESRCH) return lastError();
-  Descriptor wake(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-  if (!wake) return lastError();
-  return orNoMemory([&] {
-    *out = ProcessWatch();
-    out->handle_ = new Watch{std::move(process), std::move(wake)};
-    return kSuccess;
-  });
+  ProcessWatch watch;
+  const Error error = beginWatch(std::move(process), &watch.handle_);
+  if (error == kSuccess) *out = std::move(watch);
+  return error;
+}
+
+Error ProcessWatch::OpenParent(ProcessWatch* out) {
+  const pid_t parent = getppid();
+  Descriptor process = openProcess(parent);
+  if (!process && errno != ESRCH) return lastError();
+  // It may have ended before it was opened, and its number may be another's by then.
+  if (getppid() != parent) process = Descriptor();
+  ProcessWatch watch;
+  const Error error = beginWatch(std::move(process), &watch.handle_);
+  if (error != kSuccess) return error;
+  dropParentSignal();
+  *out = std::move(watch);
+  return kSuccess;
 }
 
 Error ProcessWatch::Wait() {

@@ -8,6 +8,7 @@
 
 #include "platform/os/environment.h"
 #include "platform/os/file.h"
+#include "platform/posix/command_line_posix.h"
 
 namespace kova::os {
 namespace {
@@ -58,7 +59,7 @@ std::vector<char*> pointersTo(std::vector<std::string>& texts) {
 
 ProgramImage::ProgramImage(const ProcessStart& start)
     : places_(placesOf(NativePath(start.program))),
-      argumentTexts_(start.arguments),
+      argumentTexts_(start.commandLine.empty() ? start.arguments : splitCommandLine(start.commandLine)),
       environmentTexts_(environmentOf(start)) {
   argumentTexts_.insert(argumentTexts_.begin(), NativePath(start.program));
   arguments_ = pointersTo(argumentTexts_);

@@ -58,6 +58,15 @@ std::string quoted(const std::string& argument) {
 
 }  // namespace
 
+std::string programFile(const std::string& name) {
+  std::string path(MAX_PATH, '\0');
+  const DWORD length =
+      SearchPathA(nullptr, name.c_str(), ".exe", static_cast<DWORD>(path.size()), path.data(), nullptr);
+  if (length == 0 || length >= path.size()) return name;
+  path.resize(length);
+  return path;
+}
+
 std::string commandLine(const std::string& program, const std::vector<std::string>& arguments) {
   // The program's name ends at its second quote; no backslash is special in it.
   std::string result = '"' + program + '"';

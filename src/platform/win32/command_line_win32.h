@@ -8,6 +8,10 @@
 
 namespace kova::os {
 
+// Where the program lies that a new process is to be made of, found as the system would find the first word of a
+// command line; the name itself when there is none.
+std::string programFile(const std::string& name);
+
 // The command line that the C runtime library takes apart into exactly these arguments again.
 std::string commandLine(const std::string& program, const std::vector<std::string>& arguments);
 

@@ -39,6 +39,13 @@ TEST(CommandLine, BeginsWithTheProgramAsItIs) {
   EXPECT_EQ(commandLine(R"(C:\Program Files\x.exe)", {}), R"("C:\Program Files\x.exe")");
 }
 
+TEST(ProgramFile, IsFoundByNameAndWithoutItsExtension) {
+  const std::string found = programFile("cmd");
+  EXPECT_NE(found.find('\\'), std::string::npos) << found;
+  EXPECT_EQ(programFile(found.substr(0, found.size() - 4)), found) << "a path is completed too";
+  EXPECT_EQ(programFile("kova_no_such_program"), "kova_no_such_program");
+}
+
 // The entries of a block, each as one text.
 std::vector<std::wstring> entriesOf(const std::wstring& block) {
   std::vector<std::wstring> entries;

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 
+#include "platform/win32/blocking_call_win32.h"
 #include "platform/win32/system_win32.h"
 
 namespace kova::os {
@@ -87,22 +88,13 @@ class BlockingCall {
   bool left_ = false;
 };
 
-// Ends the blocking call under way. A cancel that comes just before the thread enters the system is lost, so it is
-// repeated until the thread has left.
+// Ends the blocking call under way.
 enum class Ended { AnyCall, WaitForPeer };
-void endBlockingCall(Pipe* pipe, Ended ended) {
-  for (;;) {
-    {
-      const std::lock_guard<std::mutex> lock(pipe->guard);
-      if (pipe->wait == Wait::None) return;
-      if (pipe->wait == Wait::Write && ended == Ended::WaitForPeer) return;
-      const HANDLE thread = OpenThread(THREAD_TERMINATE, FALSE, pipe->waitingThread);
-      if (thread == nullptr) return;
-      CancelSynchronousIo(thread);
-      CloseHandle(thread);
-    }
-    Sleep(1);
-  }
+void endCallOn(Pipe* pipe, Ended ended) {
+  endBlockingCall(pipe->guard, [pipe, ended]() -> DWORD {
+    const bool concerned = pipe->wait != Wait::None && (pipe->wait != Wait::Write || ended == Ended::AnyCall);
+    return concerned ? pipe->waitingThread : 0;
+  });
 }
 
 Error adopt(HANDLE handle, NativeHandle* out) {
@@ -182,7 +174,7 @@ Error DisconnectPeer(NativeHandle pipe) {
     if (end->wait == Wait::Accept) return kSuccess;  // No client yet; one that comes just now stays.
     end->disconnecting = true;
   }
-  endBlockingCall(end, Ended::AnyCall);
+  endCallOn(end, Ended::AnyCall);
   const Error result = resultOf(DisconnectNamedPipe(end->handle));
   const std::lock_guard<std::mutex> lock(end->guard);
   end->disconnecting = false;
@@ -282,7 +274,7 @@ Error CancelPipeWait(NativeHandle pipe) {
     const std::lock_guard<std::mutex> lock(pipeOf(pipe)->guard);
     pipeOf(pipe)->cancelled = true;
   }
-  endBlockingCall(pipeOf(pipe), Ended::AnyCall);
+  endCallOn(pipeOf(pipe), Ended::AnyCall);
   return kSuccess;
 }
 
@@ -292,7 +284,7 @@ Error DeclarePeerGone(NativeHandle pipe) {
     const std::lock_guard<std::mutex> lock(pipeOf(pipe)->guard);
     pipeOf(pipe)->peerGone = true;
   }
-  endBlockingCall(pipeOf(pipe), Ended::WaitForPeer);
+  endCallOn(pipeOf(pipe), Ended::WaitForPeer);
   return kSuccess;
 }
 
