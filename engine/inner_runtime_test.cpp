@@ -10,7 +10,7 @@
 #include "api/kovadx.h"
 #include "config/process_values.h"
 #include "engine/data_package.h"
-#include "engine/inner_runtime_kit.h"
+#include "engine/serving_test.h"
 #include "host/XManager.h"
 #include "message/commands.h"
 #include "tests/kit/kit.h"

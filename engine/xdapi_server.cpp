@@ -38,11 +38,18 @@ std::string XdapiServer::baseName(std::uint32_t processId, const std::string& in
   return "\\\\.\\pipe\\" + std::string(digits) + instance + std::to_string(index);
 }
 
-int XdapiServer::start() {
-  const int created = requests_.CreatePipe();
-  if (created != 0) return created;
+int XdapiServer::start(std::optional<int> greeting) {
+  int code = requests_.CreatePipe();
+  if (code != 0) return code;
   stopping_ = false;
+  endsAfterReply_ = false;
   ended_ = false;
+  if (greeting) code = greet(*greeting);
+  if (code != 0) {
+    closeReplies();
+    requests_.ClosePipe();
+    return code;
+  }
   try {
     thread_ = std::thread([this] { serve(); });
   } catch (const std::system_error&) {
@@ -50,6 +57,18 @@ int XdapiServer::start() {
     return static_cast<int>(os::kNotEnoughMemory);
   }
   return 0;
+}
+
+// A refusal must not be lost with its sender, who has no other reason to stay.
+int XdapiServer::greet(int code) {
+  CleXDSmb greeting;
+  greeting.SetErrorCode(code);
+  const int sent = openReplies() ? SendData(&replies_, greeting) : kPipeFailed;
+  if (sent != 0 || code == 0) return sent;
+  char ignored = 0;
+  unsigned long count = 0;
+  replies_.ReadData(1, &ignored, count);
+  return code;
 }
 
 bool XdapiServer::stop(std::uint32_t patienceMs) {
@@ -106,6 +125,7 @@ void XdapiServer::converse() {
     CleXDSmb reply;
     perform_(request, reply);
     if (!answer(reply)) return;
+    if (endsAfterReply_) stopping_ = true;
   }
 }
 

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -43,14 +44,20 @@ class XdapiServer {
   static std::string baseName(std::uint32_t processId, const std::string& instance, int index);
 
   // Creates the request pipe, so that a client can open it from now on, and starts to serve. 0; 99104 when there can be
-  // no such pipe; 8 when no thread could be started.
-  int start();
+  // no such pipe; 8 when no thread could be started. A client that waits for a greeting on its reply pipe gets it
+  // first, as a message with that code; then also 99104 when it can not be reached. A greeting with another code than 0
+  // is a refusal: when the client has closed its reply pipe the code is the result, and nobody is served.
+  int start(std::optional<int> greeting = std::nullopt);
+
+  // While a request is carried out: its conversation ends with the reply, and no other one follows.
+  void endAfterReply() { endsAfterReply_ = true; }
 
   // Ends the conversation, wherever it stands, and waits for the thread; false when a request is still being carried
   // out after that time. May be called twice, and without a start.
   bool stop(std::uint32_t patienceMs = os::kWaitForever);
 
  private:
+  int greet(int code);
   void serve();
   bool endsWithin(std::uint32_t patienceMs) const;
   void converse();
@@ -63,6 +70,7 @@ class XdapiServer {
   KovaPipe requests_;
   KovaPipe replies_;
   std::atomic<bool> stopping_{false};
+  std::atomic<bool> endsAfterReply_{false};
   std::mutex pipeMutex_;  // Held where replyOpen_ changes or the requests close, and while waits are cancelled.
   bool replyOpen_ = false;
   std::atomic<bool> ended_{false};

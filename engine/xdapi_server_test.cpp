@@ -405,6 +405,106 @@ TEST_F(XdapiServerTest, StopsTwiceAndWithoutAStart) {
   ASSERT_EQ(server.start(), 0) << "the name is free again";
 }
 
+// A client that has made its reply pipe and waits there for the server's first word.
+class GreetedClient {
+ public:
+  explicit GreetedClient(const std::string& baseName)
+      : requests_(baseName + "xdapi"), replies_(baseName + "xdapiresult") {
+    EXPECT_EQ(replies_.CreatePipe(), 0);
+  }
+
+  // The code of the next message; that of the transport when none came.
+  int read(CleXDSmb* message) {
+    const int connected = replies_.ConnectPipe();
+    EXPECT_TRUE(connected == 0 || connected == 535) << connected;
+    return ReceiveData(&replies_, *message, true);
+  }
+
+  int ask(Command command, CleXDSmb* reply) {
+    if (!requests_.HasPipe()) requests_.KOVACreateFile();
+    CleXDSmb request;
+    request.SetCommandAction(command);
+    EXPECT_EQ(SendData(&requests_, request, false), 0);
+    return read(reply);
+  }
+
+  bool canCome() { return requests_.KOVACreateFile() == 0; }
+
+  void leave() {
+    replies_.DisconnectPipe();
+    replies_.ClosePipe();
+  }
+
+ private:
+  KovaPipe requests_;
+  KovaPipe replies_;
+};
+
+TEST_F(XdapiServerTest, GreetsAClientThatWaitsAndServesIt) {
+  const std::string base = scratchBase();
+  GreetedClient client(base);
+  XdapiServer server(base, [this](const CleXDSmb& request, CleXDSmb& reply) { engine_.perform(request, reply); });
+  ASSERT_EQ(server.start(0), 0);
+  CleXDSmb greeting;
+  EXPECT_EQ(client.read(&greeting), 0);
+  for (int i = 0; i < 3; ++i) {
+    CleXDSmb reply;
+    EXPECT_EQ(client.ask(Command::GetVariableCount, &reply), 0);
+    EXPECT_EQ(reply.FirstLong(), 7);
+  }
+}
+
+TEST_F(XdapiServerTest, ARefusalStaysUntilItsClientHasLeft) {
+  const std::string base = scratchBase();
+  GreetedClient client(base);
+  XdapiServer server(base, [](const CleXDSmb&, CleXDSmb&) {});
+  std::atomic<bool> hasLeft{false};
+  std::thread starting([&] {
+    EXPECT_EQ(server.start(98095), 98095);
+    EXPECT_TRUE(hasLeft);
+  });
+  CleXDSmb greeting;
+  EXPECT_EQ(client.read(&greeting), 98095);
+  hasLeft = true;
+  client.leave();
+  starting.join();
+  EXPECT_FALSE(client.canCome());
+}
+
+TEST_F(XdapiServerTest, AGreetingThatReachesNobodyServesNobody) {
+  const std::string base = scratchBase();
+  XdapiServer server(base, [](const CleXDSmb&, CleXDSmb&) {});
+  for (const int code : {0, 98095}) EXPECT_EQ(server.start(code), 99104);
+  GreetedClient client(base);
+  EXPECT_FALSE(client.canCome());
+  EXPECT_EQ(server.start(0), 0) << "this one is reached";
+}
+
+TEST_F(XdapiServerTest, EndsAfterTheReplyThatItWasTold) {
+  const std::string base = scratchBase();
+  std::atomic<int> gone{0};
+  XdapiServer* self = nullptr;
+  XdapiServer server(
+      base,
+      [&self](const CleXDSmb& request, CleXDSmb& reply) {
+        if (request.GetCommandAction() == Command::StopKova) self->endAfterReply();
+        reply.SetLong(1);
+      },
+      [&gone] { ++gone; });
+  self = &server;
+  for (int life = 1; life <= 3; ++life) {
+    ASSERT_EQ(server.start(), 0);
+    RawClient client(base);
+    EXPECT_EQ(client.ask(Command::IsBackendReady, 0).FirstLong(), 1);
+    EXPECT_EQ(gone, life - 1);
+    EXPECT_EQ(client.ask(Command::StopKova, 0).FirstLong(), 1) << "it is answered";
+    client.expectDropped();
+    EXPECT_TRUE(server.stop(60000));
+    EXPECT_EQ(gone, life);
+    EXPECT_EQ(KovaPipe(base + "xdapi").KOVACreateFile(), 99104) << "no other client is taken in";
+  }
+}
+
 TEST_F(XdapiServerTest, SendsALargeReplyWhole) {
   const std::string base = scratchBase();
   XdapiServer server(base, [&](const CleXDSmb&, CleXDSmb& reply) { reply.SetString(std::string(5 << 20, 'x')); });

@@ -9,7 +9,7 @@ packages=(
   clang libclang-rt-14-dev clang-format
   googletest nlohmann-json3-dev libcli11-dev
   chromium fonts-dejavu-core
-  libpython3-dev python3-numpy
+  libpython3-dev python3-numpy r-base-core default-jdk-headless
   python3-pycparser doxygen
 )
 # Built from Debian's sources, because they are needed for Windows and under sanitizers too.

@@ -21,7 +21,9 @@ LEVELS = {
     "host": 5,
     "api": 6,
 }
-BACKENDS = ("src/platform/win32/", "src/platform/posix/", "runtimes/python/libpython_posix.cpp")
+BACKENDS = (
+    "src/platform/win32/", "src/platform/posix/", "runtimes/python/libpython_posix.cpp", "programs/kovadx/kill_shim.cpp",
+    "packages/r/kovastatistics/src/session.c")
 MAY_TEST_PLATFORM = BACKENDS + ("src/export.h", "src/api/kovadx.h", "src/api/kovadx_runtime.h", "tests/kit/")
 SYSTEM_HEADER = re.compile(
     r"^\s*#\s*include\s*<((?:[a-z0-9_]+/)*(?:windows|winsock2?|ws2tcpip|io|process|direct|share|unistd|dlfcn|fcntl|poll|"
@@ -91,7 +93,7 @@ def main():
     parser.add_argument("root", type=pathlib.Path)
     parser.add_argument("--clang-format", default="clang-format")
     arguments = parser.parse_args()
-    folders = ("src", "engine", "programs", "runtimes", "examples", "tests", "bench")
+    folders = ("src", "engine", "programs", "runtimes", "packages", "examples", "tests", "bench")
     names = sorted(
         str(path.relative_to(arguments.root))
         for folder in folders

@@ -18,6 +18,8 @@ constexpr const char* kExamples =
     "  kovadx run --data examples/penguins --output report.html -- python3 examples/penguins/summary.py\n"
     "  kovadx run --data examples/penguins --save new/datapackage.json -- python3 clean.py\n"
     "  kovadx run --data examples/penguins --language PYTHON examples/penguins/summary.py\n"
+    "  kovadx run --data examples/penguins --language PYTHON --process child examples/penguins/summary.py\n"
+    "  kovadx run --data examples/penguins --language R examples/penguins/summary.R\n"
     "  kovadx run --data survey/datapackage.json --name PYTHON -- python3 report.py --year 2024\n"
     "  kovadx decode request.bin\n"
     "  kovadx explain 99104\n"
@@ -78,8 +80,8 @@ void addRun(CLI::App* app, RunOptions& options) {
                           "Start an engine, run a program beside it, and end as the program ends:\n"
                           "kovadx run [--data DATAPACKAGE] [--save FILE.json] [--output REPORT.html] [--name NAME] "
                           "[--home DIR] -- PROGRAM ARGS...\n"
-                          "or run a script inside the engine's own process:\n"
-                          "kovadx run --language LANGUAGE [OPTIONS] SCRIPT");
+                          "or run a script in a runtime that the engine hosts, inside its own process or as a child:\n"
+                          "kovadx run --language LANGUAGE [--process inside|child] [OPTIONS] SCRIPT");
   run->footer(kExamples);
   run->add_option("--data", options.data, "The Data Package to open: datapackage.json or its folder")->check(checkPath);
   run->add_option("--save", options.save,
@@ -88,12 +90,15 @@ void addRun(CLI::App* app, RunOptions& options) {
       ->check(checkPath)
       ->check(checkDescriptor);
   run->add_option("--name", options.name, "The instance name that the program serves (EXTERNAL)")->check(checkName);
-  run->add_option(
-         "--language", options.language,
-         "The language of SCRIPT, which runs inside kovadx, in the runtime that the home folder's configuration "
-         "names")
+  run->add_option("--language", options.language,
+                  "The language of SCRIPT, which runs in the runtime that the home folder's configuration names")
       ->check(checkName)
       ->excludes("--name");
+  run->add_option("--process", options.process,
+                  "Where that runtime is: inside kovadx, or a child process of its own (R and JAVAEXTENSION are "
+                  "children, the others inside)")
+      ->check(CLI::IsMember({"inside", "child"}))
+      ->needs("--language");
   run->add_option("SCRIPT", options.script, "The script, with --language")->check(checkPath);
   run->add_option("--home", options.home, "The home folder, which holds the library (the folder of kovadx)")
       ->check(checkPath);
@@ -132,7 +137,7 @@ std::string problemOf(const RunOptions& options) {
     return "no program to run; name it behind \"--\", as in: kovadx run -- PROGRAM ARGS...";
   }
   if (!options.program.empty())
-    return "--language runs a script inside kovadx and no program beside it; leave out what stands behind \"--\"";
+    return "--language runs a script and no program beside it; leave out what stands behind \"--\"";
   if (options.script.empty()) return "no script to run; name it, as in: kovadx run --language PYTHON SCRIPT";
   return "";
 }

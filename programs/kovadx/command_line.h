@@ -21,7 +21,8 @@ struct RunOptions {
   std::string home;                  // The home folder; empty for kovadx's own.
   std::string save;                  // The descriptor that the data are saved to at the end; empty for none.
   std::string output;                // Where the report is written; empty for none.
-  std::string language;              // The language, in upper case, of a script that runs inside kovadx; or empty.
+  std::string language;              // The language, in upper case, of a script that kovadx hosts; or empty.
+  std::string process;               // "inside" or "child": where the script's runtime is; or empty.
   std::string script;                // That script.
   std::vector<std::string> program;  // The program and its arguments; empty when there is a script.
 };

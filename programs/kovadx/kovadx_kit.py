@@ -111,6 +111,9 @@ def run_tests(portable, posix):
     parser.add_argument("--emulator")
     parser.add_argument("--preload")
     parser.add_argument("--runtimes", type=pathlib.Path)
+    parser.add_argument("--kill-shim", type=pathlib.Path)
+    parser.add_argument("--java-classes", type=pathlib.Path)
+    parser.add_argument("--parts", type=pathlib.Path)
     parser.parse_args(namespace=options)
     signal.signal(signal.SIGINT, signal.default_int_handler)  # A shell's background job has it ignored.
     classes = portable if options.emulator else portable + posix

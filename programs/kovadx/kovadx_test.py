@@ -22,8 +22,15 @@ def is_alive(pid):
 
 class Home(KovadxTest):
     def test_the_home_folder_holds_the_configuration(self):
-        sample = HERE.parent / "kovadxcfg.ini"
-        self.assertEqual((options.home / "kovadxcfg.ini").read_bytes(), sample.read_bytes())
+        held = (options.home / "kovadxcfg.ini").read_text().splitlines()
+        sample = (HERE.parent / "kovadxcfg.ini.in").read_text().splitlines()
+        self.assertEqual(len(held), len(sample))
+        for line, expected in zip(held, sample):
+            if "@" in expected:
+                self.assertEqual(line.partition("=")[0], expected.partition("=")[0])
+                self.assertNotIn("@", line)
+            else:
+                self.assertEqual(line, expected)
 
 
 class CommandLine(KovadxTest):

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "api/InitDxGlobal.h"
+#include "config/process_values.h"
 #include "engine/data_package.h"
 #include "engine/data_package_writer.h"
 #include "engine/engine.h"
@@ -23,7 +24,7 @@
 #include "platform/os/named_pipe.h"
 #include "platform/os/process.h"
 #include "report_file.h"
-#include "script_file.h"
+#include "script_job.h"
 #include "script_run.h"
 #include "transport/KovaPipe.h"
 #include "transport/XPipes.h"
@@ -33,6 +34,8 @@ namespace {
 
 // The engine's own instance name: its trace file must not be the program's.
 constexpr const char* kEngineInstance = "KOVAENGINE";
+
+constexpr int kLocalMode = 1;  // This engine's runtimes are on its own machine.
 
 constexpr const char* kUsualTemporary = "/tmp";
 
@@ -265,7 +268,8 @@ std::optional<int> runProgram(const RunOptions& options, const std::string& home
   return std::nullopt;
 }
 
-// The same for a script in this process, which finds in the environment what a program would, and where it lies.
+// The same for a script in a runtime of this process or of a child of it, which finds in the environment what a program
+// would, and where it lies.
 std::optional<int> runScriptHere(const RunOptions& options, const std::string& home,
                                  const std::vector<std::string>& lines, engine::Engine* engine) {
   for (const auto& [name, value] : environmentOf(options.language, home)) os::SetEnvironment(name, value);
@@ -278,6 +282,7 @@ class LibraryState {
  public:
   explicit LibraryState(const std::string& home) {
     InitDxGlobal(temporaryFolder(), pidText(os::CurrentProcessId()), kEngineInstance, home);
+    SetAppMode(kLocalMode);
   }
   LibraryState(const LibraryState&) = delete;
   LibraryState& operator=(const LibraryState&) = delete;
@@ -293,19 +298,19 @@ int runCommand(const RunOptions& options) {
     printError("no such home folder: " + named + "; give the folder that holds the library with --home");
     return kOwnFailure;
   }
-  std::vector<std::string> script;
-  if (!options.script.empty() && !readScript(options.script, &script)) return kOwnFailure;
+  std::optional<std::vector<std::string>> script;
+  if (!options.language.empty() && !(script = prepareScript(options, home))) return kOwnFailure;
   if (!canSave(options) || !canWriteReport(options)) return kOwnFailure;
   engine::Engine engine;
   if (!openData(options, &engine)) return kOwnFailure;
   engine.onOutput(print);
   const LibraryState library(home);
   // A folder that is not as it should be is told of when the program is served.
-  os::SweepStalePipes(XPipes::XDAPI_PIPE);
+  os::SweepStalePipes("");
   os::SetEndRequestHandler([] { endRequested = true; });
   int failure = kOwnFailure;
   const std::optional<int> exitCode = options.language.empty() ? runProgram(options, home, &engine, &failure)
-                                                               : runScriptHere(options, home, script, &engine);
+                                                               : runScriptHere(options, home, *script, &engine);
   if (!exitCode) return failure;
   engine.endOutput();
   return writeReport(options, engine, tellLostOutput(saveData(options, engine, *exitCode)));

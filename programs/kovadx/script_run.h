@@ -1,4 +1,5 @@
-// "kovadx run --language": a script in a language whose runtime is hosted inside this process.
+// "kovadx run --language": a script in a language whose runtime this process hosts, in itself or as a process of its
+// own.
 #ifndef KOVADX_PROGRAMS_KOVADX_SCRIPT_RUN_H
 #define KOVADX_PROGRAMS_KOVADX_SCRIPT_RUN_H
 
@@ -12,7 +13,7 @@
 
 namespace kova::program {
 
-// Runs the lines against the engine, in the language and with the configuration of the home folder, and gives the exit
+// Runs what prepareScript has given against the engine, with the configuration of the home folder, and gives the exit
 // code: the script's own result when that is one, else kovadx's own after a line on the error stream. Nothing, after
 // such a line, when the script was not run at all. The library's process-wide objects must be there. When the user asks
 // for the end, which endRequested tells, and the script goes on, the process ends.

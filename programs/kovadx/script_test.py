@@ -128,10 +128,13 @@ class Scripts(ScriptTest):
         for arguments, line in (
             (["--language", "ECHO"], "no script to run; name it, as in: kovadx run --language PYTHON SCRIPT"),
             (["--language", "ECHO", "x", "--", "program"],
-             '--language runs a script inside kovadx and no program beside it; leave out what stands behind "--"'),
+             '--language runs a script and no program beside it; leave out what stands behind "--"'),
             (["--language", "a b", "x"],
              '--language: expected 1 to 32 letters, digits and underscores, found "a b"; see kovadx --help'),
             (["--language", "ECHO", "--name", "OTHER", "x"], "--name excludes --language; see kovadx --help"),
+            (["--process", "child", "x"], "--process requires --language; see kovadx --help"),
+            (["--language", "ECHO", "--process", "beside", "x"],
+             "--process: beside not in {inside,child}; see kovadx --help"),
             (["x"], "The following argument was not expected: x; see kovadx --help"),
             (["x", "--", "program"], "The following argument was not expected: x; see kovadx --help"),
         ):

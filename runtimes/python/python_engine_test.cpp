@@ -7,7 +7,8 @@
 #include <utility>
 
 #include "engine/data_package.h"
-#include "engine/inner_runtime_kit.h"
+#include "engine/inner_runtime.h"
+#include "engine/serving_test.h"
 #include "message/commands.h"
 #include "tests/kit/kit.h"
 #include "tests/kit/scratch_folder.h"

@@ -6,6 +6,7 @@
 #include "config/text_utilities.h"
 #include "transport/KovaPipe.h"
 #include "transport/message_exchange.h"
+#include "transport/watched_wait.h"
 
 namespace kova {
 namespace {
@@ -29,10 +30,16 @@ int sendRequest(KovaPipe& pipe, CleXDSmb& request) {
   return code != 0 ? code : SendData(&pipe, request, false);
 }
 
-// What ConnectPipe gives is not looked at: 535 is a client that came first, and where there is no connection the read
-// says so. The engine's own code comes as the result of a reply that was put together.
+// What it gives is not looked at: 535 is a client that came first, and where there is no connection the read says so.
+// An engine that this process has started may end before it has ever come to this pipe.
+void connectReplies(KovaPipe& pipe) {
+  const WatchedWait wait(EngineWatch(), &pipe);
+  pipe.ConnectPipe();
+}
+
+// The engine's own code comes as the result of a reply that was put together.
 int receiveReply(KovaPipe& pipe, CleXDSmb& reply, EngineCode engineCode) {
-  if (!pipe.IsWritePipeConnected()) pipe.ConnectPipe();
+  if (!pipe.IsWritePipeConnected()) connectReplies(pipe);
   int status = 0;
   const int code = ReceiveMessage(&pipe, reply, &status);
   SetLastReceiveStatus(status);

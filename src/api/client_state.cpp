@@ -10,6 +10,7 @@ namespace kova {
 namespace {
 
 std::atomic<bool> hostCreatedHere = false;
+std::atomic<PeerWatch*> engineWatch = nullptr;
 std::atomic<int> lastReceiveStatus = 0;
 std::atomic<unsigned short*> wideText = nullptr;
 
@@ -37,6 +38,10 @@ void SetEngineRunning(bool running) { engineRunningFlag.store(running, std::memo
 bool IsHostCreatedHere() { return hostCreatedHere.load(std::memory_order_relaxed); }
 
 void SetHostCreatedHere(bool created) { hostCreatedHere.store(created, std::memory_order_relaxed); }
+
+PeerWatch* EngineWatch() { return engineWatch.load(std::memory_order_acquire); }
+
+void SetEngineWatch(PeerWatch* watch) { engineWatch.store(watch, std::memory_order_release); }
 
 int LastReceiveStatus() { return lastReceiveStatus.load(std::memory_order_relaxed); }
 

@@ -23,6 +23,11 @@ void SetEngineRunning(bool running);
 bool IsHostCreatedHere();
 void SetHostCreatedHere(bool created);
 
+// What tells of the end of the engine that this process has started; null without one. Not owned.
+class PeerWatch;
+PeerWatch* EngineWatch();
+void SetEngineWatch(PeerWatch* watch);
+
 // The transport's own result of the last reply: 0 when it came whole.
 int LastReceiveStatus();
 void SetLastReceiveStatus(int status);
@@ -42,12 +47,13 @@ const unsigned short* KeepWideText(const WideUnit* text);
 // Frees the wide text.
 void DropWideText();
 
-// What SetXNameAndSHome, SetRTempFolderToKOVA and InitXProcess have stored.
+// What SetXNameAndSHome, SetRTempFolderToKOVA, InitXProcess and StartKova have stored.
 struct ClientIdentity {
   std::string xName;
   std::string kovaHome;
   std::string rTempFolder;
   std::string reserved;
+  std::string tempFolder;
 };
 ClientIdentity& StoredIdentity();
 

@@ -141,11 +141,29 @@ KOVADX_API int FreeCValueLabels(char** values, char** labels, int count);
 
 /** @defgroup control Engine control
  *
- * Hands command syntax to the engine and asks how it is. Status shape, but for the two questions that answer with a
- * bool. Nothing to free.
+ * Starts and stops an engine, hands it command syntax and asks how it is. Status shape, but for the two questions that
+ * answer with a bool. Nothing to free.
  *
  * @{
  */
+
+/** Starts an engine of this process's own and waits until it is ready: the program "StartXD.exe" of the engine's home
+ * folder (elsewhere than on Windows also "StartXD"). SetXNameAndSHome tells the name and the home folder before. When
+ * the configuration lists the name as a language, blocks in that language that the engine is given run in this process,
+ * on threads of the library. The engine ends when this process does.
+ *
+ * @param options a text in which three options are looked for: "-kovahome=FOLDER" and "-language=NAME", each up to the
+ *   next "," or the end, replace the home folder and stand in for a name that was not told; "-temppath FOLDER", up to
+ *   the next blank, is the folder for temporary files. The rest is handed on to the engine. Null counts as empty.
+ * @return 0, also when the engine is up already; 17 when there is no such program, which is told on the standard output
+ *   too; 99107 when it does not run half a second after its start; 109 when it ends before it has greeted this process;
+ *   the code that it has greeted with, after it has ended. The engine is not running after a failure. */
+KOVADX_API int StartKova(const char* options);
+
+/** Stops the engine that this process has started, waits for its end, and resets all that this process knows of it,
+ * what SetXNameAndSHome and SetRTempFolderToKOVA have stored included. Nothing, and no request, when the engine is not
+ * ready or is not driven by this process. */
+KOVADX_API void StopKova(void);
 
 /** Hands command syntax to the engine and waits until it has been carried out: the first `length` bytes of `text`, NUL
  * bytes included; a negative length counts as 0. */

@@ -25,14 +25,17 @@ namespace {
 std::atomic<XPipeSuit*> currentSuite = nullptr;
 
 // The first that is set. There is no other default: without any the folder is empty, on every platform.
-std::string temporaryFolder() {
-  std::string folder;
+std::string environmentsFolder() {
   for (const char* name : {"KOVADXTEMP", "TEMP", "TMP", "tmp"}) {
-    if (auto value = os::GetEnvironment(name)) {
-      folder = *std::move(value);
-      break;
-    }
+    if (auto value = os::GetEnvironment(name)) return *std::move(value);
   }
+  return {};
+}
+
+// What StartKova was told comes first.
+std::string temporaryFolder() {
+  std::string folder = StoredIdentity().tempFolder;
+  if (folder.empty()) folder = environmentsFolder();
   DecoratePathEnd(folder);
   return folder;
 }
@@ -81,15 +84,6 @@ XPipeSuit* chooseSuite() {
   return suite;
 }
 
-XPipeSuit* suiteOfThisProcess() {
-  XPipeSuit* suite = currentSuite.load(std::memory_order_acquire);
-  if (!suite) {
-    suite = chooseSuite();
-    currentSuite.store(suite, std::memory_order_release);
-  }
-  return suite;
-}
-
 // A failure shows in the trace, and again when the call waits on the pipe that is not there.
 void createReplyPipe(KovaPipe& pipe) {
   const int code = pipe.CreatePipe();
@@ -99,8 +93,17 @@ void createReplyPipe(KovaPipe& pipe) {
 
 }  // namespace
 
+XPipeSuit* CurrentSuite() {
+  XPipeSuit* suite = currentSuite.load(std::memory_order_acquire);
+  if (!suite) {
+    suite = chooseSuite();
+    currentSuite.store(suite, std::memory_order_release);
+  }
+  return suite;
+}
+
 CallPipes SelectPipes() {
-  XPipeSuit* const suite = suiteOfThisProcess();
+  XPipeSuit* const suite = CurrentSuite();
   XPipes* const set = suite ? suite->getXPipes() : nullptr;
   if (!set) return {};
   const CallPipes pipes{set->GetXDAPIPipe(), set->GetXDAPIResultPipe()};

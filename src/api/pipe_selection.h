@@ -6,6 +6,7 @@
 #define KOVADX_API_PIPE_SELECTION_H
 
 class KovaPipe;
+class XPipeSuit;
 
 namespace kova {
 
@@ -21,6 +22,9 @@ struct CallPipes {
 // The pipes of the next call. The reply pipe is made when it does not exist yet, and traced with what came of that;
 // the process-wide objects and the suite are made by the first call.
 CallPipes SelectPipes();
+
+// The current suite, chosen as the first call would. Null when somebody took the pipe manager away.
+XPipeSuit* CurrentSuite();
 
 // Forgets the current suite, since its manager is about to go; the next call chooses anew.
 void ForgetCurrentSuite();

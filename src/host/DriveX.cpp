@@ -81,6 +81,10 @@ int DriveX::startX() {
 
 void DriveX::releaseThread() {}
 
+void DriveX::awaitEnd() {
+  if (thread_ != nullptr) thread_->awaitEnd();
+}
+
 void DriveX::endThread() {
   if (thread_ == nullptr) return;
   if (running_) releaseThread();

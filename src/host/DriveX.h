@@ -34,6 +34,8 @@ class KOVADX_API DriveX {
     // Waits for the thread's end.
     ~DriveXThread() override;
 
+    void awaitEnd() { joinThread(); }
+
    protected:
     unsigned int Run() override;
 
@@ -73,6 +75,9 @@ class KOVADX_API DriveX {
 
   // False from startX until the run has ended.
   bool isStopped() const { return !running_; }
+
+  // Waits, without limit, until the run on the runner's thread has ended; returns at once without one.
+  void awaitEnd();
 
   // Releases the runner's thread and waits for its end; returns at once without one. Destructors of classes with a runX
   // of their own call it, since the thread must not find that gone.

@@ -1,5 +1,6 @@
 #include "host/DriveX.h"
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <new>
@@ -157,6 +158,24 @@ TEST_F(DriveXTest, RunsOnAThreadOfItsOwn) {
   runner_.endThread();
   EXPECT_TRUE(runner_.isStopped());
   EXPECT_THAT(host_.asked, ElementsAre("pre", "execute one\ntwo\n", "post"));
+}
+
+TEST_F(DriveXTest, TheEndOfARunCanBeWaitedFor) {
+  runner_.awaitEnd();  // Nothing was started.
+  host_.setIntialized(true);
+  for (int run = 0; run < 2; ++run) {
+    std::atomic<bool> ended = false;
+    host_.whileExecuting = [&ended] {
+      for (int i = 0; i < 1000; ++i) std::this_thread::yield();
+      ended = true;
+    };
+    ASSERT_EQ(runner_.startX(), 0);
+    runner_.awaitEnd();
+    EXPECT_TRUE(ended);
+    EXPECT_TRUE(runner_.isStopped());
+    runner_.awaitEnd();
+  }
+  EXPECT_EQ(std::count(host_.asked.begin(), host_.asked.end(), "post"), 2);
 }
 
 TEST_F(DriveXTest, TheReturnValueIsThatOfTheLastRun) {

@@ -12,16 +12,16 @@
 #include "host/XManager.h"
 #include "host/client_functions.h"
 #include "host/sync_syntax.h"
-#include "message/CleXDSmb.h"
 #include "tests/host/configured_test.h"
+#include "tests/host/engine_ends.h"
 #include "transport/KovaPipe.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"
 #include "transport/XPipes.h"
-#include "transport/message_exchange.h"
 
 namespace {
 
+using kova::EngineEnds;
 using kova::fakeRuntime;
 using testing::Contains;
 using testing::ElementsAre;
@@ -34,34 +34,6 @@ int stopApi() {
 }
 int postOutput(const char*, int) { return 0; }
 int theTable = 0;
-
-// The engine's ends of the two syntax pipes of one set.
-class EngineEnds {
- public:
-  explicit EngineEnds(const std::string& base) : syntax_(base + "syntax"), result_(base + "syntaxresult") {
-    EXPECT_EQ(result_.CreatePipe(), 0);
-  }
-
-  // The code of one message; the transport's own when none came.
-  int receive() {
-    result_.ConnectPipe();
-    CleXDSmb message;
-    return ReceiveData(&result_, message, true);
-  }
-
-  void send(const std::vector<std::string>& lines) {
-    CleXDSmb message;
-    for (const std::string& line : lines) message.SetString(line.c_str());
-    EXPECT_EQ(SendData(&syntax_, message, false), 0);
-  }
-
-  void open() { EXPECT_EQ(syntax_.KOVACreateFile(), 0); }
-  void leave() { syntax_.ClosePipe(); }
-
- private:
-  KovaPipe syntax_;
-  KovaPipe result_;
-};
 
 class KovaDX_PTest : public kova::ConfiguredTest {
  protected:

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <ctime>
 #include <exception>
+#include <mutex>
+#include <set>
 
 #include "platform/PlugInCriticalSection.h"
 #include "platform/os/clock.h"
@@ -19,6 +21,15 @@ std::string timeStamp() {
   const std::tm now = kova::os::LocalTime();
   char text[32];
   return std::string(text, std::strftime(text, sizeof text, "%m/%d/%y %H:%M:%S ", &now));
+}
+
+// A copy of the name for the life of the process: a record under way may still read the name before it. There are as
+// many as the process has languages.
+const std::string* lasting(const std::string& name) {
+  static std::mutex lock;
+  static auto* const names = new std::set<std::string>;
+  const std::lock_guard<std::mutex> guard(lock);
+  return &*names->insert(name).first;
 }
 
 std::atomic<DxTracer*> installedTracer{nullptr};
@@ -50,7 +61,15 @@ class DxTracer::Stream {
   std::FILE* file_;
 };
 
-DxTracer::DxTracer() = default;
+DxTracer::DxTracer() : name_(lasting("")) {}
+
+DxTracer::DxTracer(const DxTracer& other) : name_(other.name_.load()), stream_(other.stream_) {}
+
+DxTracer& DxTracer::operator=(const DxTracer& other) {
+  name_ = other.name_.load();
+  stream_ = other.stream_;
+  return *this;
+}
 
 DxTracer::~DxTracer() = default;
 
@@ -66,16 +85,16 @@ void DxTracer::open(const std::string& path) {
 void DxTracer::write(const std::string& message) {
   if (!stream_) return;
   try {
-    stream_->writeRecord(name_, message);
+    stream_->writeRecord(getXName(), message);
   } catch (const std::exception&) {
     // A record that there is no memory for is lost like one that there is no disk for.
     return;
   }
 }
 
-const std::string& DxTracer::getXName() const { return name_; }
+const std::string& DxTracer::getXName() const { return *name_; }
 
-void DxTracer::setXName(const std::string& name) { name_ = name; }
+void DxTracer::setXName(const std::string& name) { name_ = lasting(name); }
 
 DxTracer* GetDxTracer() { return installedTracer.load(std::memory_order_acquire); }
 

@@ -7,20 +7,21 @@
 #ifndef KOVADX_TRACE_DXTRACER_H
 #define KOVADX_TRACE_DXTRACER_H
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "export.h"
 
-// A copy shares the file with its source; the last of them closes it. Any thread may write; open and setXName run
-// before other threads write.
+// A copy shares the file with its source; the last of them closes it. Any thread may write, and set the name: a nested
+// run begins while another thread is in the outer one. Opening and copying come before other threads write.
 class KOVADX_API DxTracer {
  public:
   // Silent, without a name.
   DxTracer();
-  DxTracer(const DxTracer&) = default;
-  DxTracer& operator=(const DxTracer&) = default;
+  DxTracer(const DxTracer& other);
+  DxTracer& operator=(const DxTracer& other);
   ~DxTracer();
 
   // Empties or makes the file and writes its first line. An empty path does nothing. A file that can not be opened
@@ -30,7 +31,7 @@ class KOVADX_API DxTracer {
   // Writes one record.
   void write(const std::string& message);
 
-  // The name at the head of each record.
+  // The name at the head of each record. A reference stays valid when another name is set.
   const std::string& getXName() const;
   void setXName(const std::string& name);
 
@@ -40,7 +41,7 @@ class KOVADX_API DxTracer {
  private:
   class Stream;
 
-  std::string name_;
+  std::atomic<const std::string*> name_;  // One of those that last as long as the process.
   std::shared_ptr<Stream> stream_;
 };
 

@@ -204,4 +204,24 @@ TEST_F(DxTracerTest, EightThreadsWriteWholeRecords) {
   }
 }
 
+// A nested run begins on one thread while the outer one traces on another.
+TEST_F(DxTracerTest, TheNameMayChangeWhileOthersWrite) {
+  constexpr int kRecords = 500;
+  const std::string longName(100, 'L');
+  DxTracer tracer;
+  tracer.setXName("S");
+  tracer.open(path());
+  std::thread writer([&tracer] {
+    for (int k = 0; k < kRecords; ++k) tracer.write("text");
+  });
+  for (int k = 0; k < kRecords; ++k) tracer.setXName(k % 2 == 0 ? longName : "S");
+  writer.join();
+  EXPECT_EQ(tracer.getXName(), "S");
+  const std::vector<std::string> written = lines();
+  ASSERT_THAT(written, SizeIs(1 + kRecords));
+  for (std::size_t i = 1; i < written.size(); ++i) {
+    ASSERT_THAT(written[i], testing::AnyOf(kTime + "S>>text", kTime + longName + ">>text"));
+  }
+}
+
 }  // namespace

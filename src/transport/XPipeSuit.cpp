@@ -35,10 +35,17 @@ XPipes* XPipeSuit::getXPipes(int index) {
   return sets_[static_cast<std::size_t>(index)].get();
 }
 
+XPipes* XPipeSuit::getLastXPipes() {
+  if (index_ >= 0) return getXPipes();
+  return sets_.empty() ? nullptr : sets_.front().get();
+}
+
 DXCmdDispatcher* XPipeSuit::getCmdDispatcher(bool flag) {
   if (!dispatcher_) dispatcher_ = std::make_unique<DXCmdDispatcher>(getPipeNamePrefix(), flag);
   return dispatcher_.get();
 }
+
+void XPipeSuit::dropCmdDispatcher() { dispatcher_.reset(); }
 
 MonitorThread* XPipeSuit::startMonitor(bool parentToChild, void* context) {
   std::unique_ptr<MonitorThread>& place = monitor(parentToChild);

@@ -48,9 +48,15 @@ class KOVADX_API XPipeSuit {
   // The set of that index; null when it is negative or greater than the current index.
   XPipes* getXPipes(int index);
 
+  // The current set; between two runs the first one, which stays. Null when no run has begun yet.
+  XPipes* getLastXPipes();
+
   // The control channel on the suite's own name, made at the first call: false for the engine's side, true for the
   // runtime's. Deliberate: the flag of later calls is ignored. Owned by the suite.
   DXCmdDispatcher* getCmdDispatcher(bool flag);
+
+  // Destroys the control channel: the next child needs a new one.
+  void dropCmdDispatcher();
 
   // Makes and starts a monitor, or gives the one that is there: the reader of "<prefix>P2C" for true, the writer of
   // "<prefix>C2P" for false, which are the runtime process's two; the engine makes its own MonitorThread objects for

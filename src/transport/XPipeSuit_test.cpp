@@ -110,6 +110,22 @@ TEST_F(XPipeSuitTest, TheFirstSetStaysWhenItsRunEnds) {
   EXPECT_EQ(suit->getXPipes(), first);
 }
 
+TEST_F(XPipeSuitTest, TheLastSetIsTheCurrentOneOrTheOneThatStays) {
+  XPipeSuit* suit = manager_.getPipeSuit("R");
+  EXPECT_EQ(suit->getLastXPipes(), nullptr);
+  suit->increaseIndex();
+  XPipes* first = suit->getXPipes();
+  EXPECT_EQ(suit->getLastXPipes(), first);
+  suit->increaseIndex();
+  EXPECT_EQ(suit->getLastXPipes(), suit->getXPipes(1));
+  suit->decreaseIndex();
+  EXPECT_EQ(suit->getLastXPipes(), first);
+  suit->decreaseIndex();
+  EXPECT_EQ(suit->getLastXPipes(), first);
+  suit->decreaseIndex();
+  EXPECT_EQ(suit->getLastXPipes(), first);
+}
+
 TEST_F(XPipeSuitTest, AnUnmatchedDecreaseLeavesNoCurrentSet) {
   XPipeSuit* suit = manager_.getPipeSuit("R");
   suit->decreaseIndex();
@@ -144,6 +160,19 @@ TEST_F(XPipeSuitTest, DestructionEndsTheLastSetFirst) {
   }
   EXPECT_THAT(Traced(), ElementsAre("\\\\.\\pipe\\1a2bR1xdapi ClosePipe error code : 0.",
                                     "\\\\.\\pipe\\1a2bR0xdapi ClosePipe error code : 0."));
+}
+
+TEST_F(XPipeSuitTest, TheNextControlChannelIsANewOne) {
+  XPipeSuit* suit = manager_.getPipeSuit("R");
+  suit->dropCmdDispatcher();  // There is none yet.
+  suit->getCmdDispatcher(false);
+  EXPECT_EQ(suit->getCmdDispatcher(true), suit->getCmdDispatcher(false)) << "later flags are ignored";
+  EXPECT_EQ(kova::fake::openPipeEnds("\\\\.\\pipe\\1a2bR_c"), 1u);
+  suit->dropCmdDispatcher();
+  EXPECT_EQ(kova::fake::openPipeEnds("\\\\.\\pipe\\1a2bR_c"), 0u);
+  suit->getCmdDispatcher(true);
+  EXPECT_EQ(kova::fake::openPipeEnds("\\\\.\\pipe\\1a2bR_s"), 1u) << "and its flag counts";
+  EXPECT_EQ(kova::fake::openPipeEnds("\\\\.\\pipe\\1a2bR_c"), 0u);
 }
 
 TEST(ProcessWideXPipeManager, IsStoredAsItIs) {

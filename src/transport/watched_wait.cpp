@@ -77,6 +77,11 @@ WatchedWait::WatchedWait(PeerWatch* watch, DXCmdDispatcher* dispatcher)
   begin();
 }
 
+WatchedWait::WatchedWait(PeerWatch* watch, os::BytePipeEnd* readingEnd)
+    : watch_(watch), release_([readingEnd] { readingEnd->DeclarePeerGone(); }) {
+  begin();
+}
+
 WatchedWait::~WatchedWait() {
   if (watch_ != nullptr) watch_->watcher_->remove(&release_);
 }

@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 
+#include "platform/os/byte_pipe.h"
+
 class DXCmdDispatcher;
 class KovaPipe;
 
@@ -44,6 +46,7 @@ class WatchedWait {
  public:
   WatchedWait(PeerWatch* watch, KovaPipe* pipe);
   WatchedWait(PeerWatch* watch, DXCmdDispatcher* dispatcher);
+  WatchedWait(PeerWatch* watch, os::BytePipeEnd* readingEnd);
   WatchedWait(const WatchedWait&) = delete;
   WatchedWait& operator=(const WatchedWait&) = delete;
   ~WatchedWait();

@@ -1,6 +1,7 @@
 #include "transport/watched_wait.h"
 
 #include <thread>
+#include <utility>
 
 #include "platform/os/process.h"
 #include "tests/transport/traced_test.h"
@@ -84,6 +85,46 @@ TEST_F(WatchedWaitTest, ACommandsAnswerIsNotWaitedForWhenThePeerHasEnded) {
   std::thread sender([&] { EXPECT_EQ(engine.sendCmd(DXCmdDispatcher::kSetupDXRun), 109); });
   endPeer();
   sender.join();
+}
+
+// The writing end lives on, as in a process that the peer has started.
+TEST_F(WatchedWaitTest, AReadOfBytesEndsWithThePeersProcess) {
+  PeerWatch watch(peer_.Id());
+  kova::os::BytePipeEnd reader;
+  kova::os::BytePipeEnd writer;
+  ASSERT_EQ(kova::os::BytePipeEnd::Create(&reader, &writer), 0u);
+  ASSERT_EQ(writer.Write("last", 4), 0u);
+  char area[8];
+  std::uint32_t count = 0;
+  {
+    const WatchedWait wait(&watch, &reader);
+    EXPECT_EQ(reader.Read(area, sizeof area, &count), 0u);
+    EXPECT_EQ(count, 4u);
+  }
+  std::thread ending([&] { endPeer(); });
+  {
+    const WatchedWait wait(&watch, &reader);
+    EXPECT_EQ(reader.Read(area, sizeof area, &count), 109u);
+    EXPECT_EQ(count, 0u);
+  }
+  ending.join();
+  ASSERT_EQ(writer.Write("late", 4), 0u);
+  const WatchedWait wait(&watch, &reader);
+  EXPECT_EQ(reader.Read(area, sizeof area, &count), 0u) << "what has come counts";
+  EXPECT_EQ(reader.Read(area, sizeof area, &count), 109u);
+}
+
+TEST_F(WatchedWaitTest, WithoutAWatchAReadOfBytesLastsUntilTheWriterGoes) {
+  kova::os::BytePipeEnd reader;
+  kova::os::BytePipeEnd writer;
+  ASSERT_EQ(kova::os::BytePipeEnd::Create(&reader, &writer), 0u);
+  const WatchedWait wait(nullptr, &reader);
+  endPeer();
+  std::thread leaving([end = std::move(writer)]() mutable { end = {}; });
+  char area[8];
+  std::uint32_t count = 0;
+  EXPECT_EQ(reader.Read(area, sizeof area, &count), 109u);
+  leaving.join();
 }
 
 TEST_F(WatchedWaitTest, OnlyTheWaitsThatLastAreEnded) {

@@ -18,6 +18,13 @@ std::string leftPipeFiles() { return {}; }
 void takeInterrupts() {}
 bool hasChildLeft() { return false; }
 
+bool killProcess(std::uint32_t id) {
+  const HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, id);
+  const bool isKilled = process != nullptr && TerminateProcess(process, 128 + 9);
+  if (process != nullptr) CloseHandle(process);
+  return isKilled;
+}
+
 int systemHandleCount() {
   DWORD count = 0;
   return GetProcessHandleCount(GetCurrentProcess(), &count) ? static_cast<int>(count) : -1;
@@ -75,6 +82,8 @@ std::string leftPipeFiles() {
 }
 
 void takeInterrupts() { signal(SIGINT, SIG_DFL); }
+
+bool killProcess(std::uint32_t id) { return kill(static_cast<pid_t>(id), SIGKILL) == 0; }
 
 bool hasChildLeft() {
   siginfo_t info = {};

@@ -26,6 +26,9 @@ std::uint64_t processorMs();
 // background wants it ignored.
 void takeInterrupts();
 
+// Ends a process at once, as its system's user would; false when it can not.
+bool killProcess(std::uint32_t id);
+
 // True when this process has a child, running or ended, that nobody waited for.
 bool hasChildLeft();
 

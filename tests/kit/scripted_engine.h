@@ -56,6 +56,26 @@ class ScriptedEngine {
     thread_.join();
   }
 
+  // Opens the client's reply pipe, which must be there, and writes a first message that answers nothing; before any
+  // request. 0, or why it could not be.
+  int greet(const Bytes& message) {
+    const int opened = replies_.KOVACreateFile();
+    unsigned long written = 0;
+    return opened != 0 ? opened : replies_.WriteData(message.data(), static_cast<int>(message.size()), &written);
+  }
+
+  // After a greeting: waits until the client has closed its reply pipe.
+  void awaitDismissal() {
+    char byte = 0;
+    unsigned long count = 0;
+    replies_.ReadData(1, &byte, count);
+  }
+
+  // Waits until the conversation has ended.
+  void awaitEnd() {
+    if (thread_.joinable()) thread_.join();
+  }
+
   // What creating the request pipe gave; with another result than 0 nothing is served.
   int created() const { return created_; }
 

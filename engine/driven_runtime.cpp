@@ -1,0 +1,64 @@
+#include "engine/driven_runtime.h"
+
+#include <utility>
+
+#include "config/KovaDXConfigReader.h"
+#include "config/process_values.h"
+#include "host/DriveX.h"
+#include "host/OutpStatisticsX.h"
+#include "host/XManager.h"
+#include "transport/DXCmdDispatcher.h"
+#include "transport/XPipeManager.h"
+#include "transport/XPipeSuit.h"
+
+namespace kova::engine {
+namespace {
+
+DXCmdDispatcher* dispatcherOf(const std::string& name) {
+  return GetXPipeManager()->getPipeSuit(name)->getCmdDispatcher(false);
+}
+
+}  // namespace
+
+DrivenRuntime::DrivenRuntime(std::string name, int greeting, Perform perform, Leave leave)
+    : HostedRuntime(std::move(name), std::move(perform), std::move(leave), false),
+      greeting_(greeting),
+      hasBlocks_(KovaDXConfigReader::GetInstance()->IsSupportLanguage(language())) {}
+
+DrivenRuntime::~DrivenRuntime() { stop(); }
+
+// The control channel's pipe is there before the greeting: the program looks for it then.
+int DrivenRuntime::raiseLevel() {
+  XConfigOptions* const options = hasBlocks_ ? KovaDXConfigReader::GetInstance(language()) : nullptr;
+  if (hasBlocks_ && host() == nullptr) {
+    GetXManager()->addStatisticsX(language(), new OutpStatisticsX(options, GetAppMode(), false));
+    dispatcherOf(language());
+  }
+  GetXManager()->addKovaDX(new DriveX(language(), host(), options));
+  return 0;
+}
+
+// After the greeting: the program connects its side only then.
+int DrivenRuntime::startHost() {
+  if (!hasBlocks_) return 0;
+  const int connected = dispatcherOf(language())->connectPeer();
+  return connected != 0 ? connected : host()->init_embedded_x(0, nullptr);
+}
+
+// The host itself stops nothing: the runtime is not this process's.
+int DrivenRuntime::stopHost() {
+  if (!hasBlocks_) return 0;
+  host()->stop_embedded_x();
+  return dispatcherOf(language())->sendCmd(DXCmdDispatcher::kStopDX);
+}
+
+void DrivenRuntime::hostHasEnded() {
+  if (hasBlocks_) GetXManager()->destoryStatisticsX(language());
+}
+
+// The program may have a runner for the run; it must go before the next one.
+void DrivenRuntime::runWasNotReached() {
+  if (host() != nullptr) host()->post_action();
+}
+
+}  // namespace kova::engine

@@ -1,0 +1,30 @@
+#include "programs/common/parent_guard.h"
+
+#include <cstdio>
+#include <mutex>
+
+#include "platform/os/process.h"
+
+namespace kova::program {
+
+void endWithChildren(const std::string& why) {
+  static std::mutex telling;  // Never given back.
+  telling.lock();
+  std::fprintf(stderr, "%s; this process ends with all that it has started\n", why.c_str());
+  std::fflush(stderr);
+  os::EndWithChildren();
+}
+
+ParentGuard::ParentGuard(const std::string& why) {
+  if (os::ProcessWatch::OpenParent(&parent_) != os::kSuccess) return;
+  thread_ = std::thread([this, why] {
+    if (parent_.Wait() == os::kSuccess) endWithChildren(why);
+  });
+}
+
+ParentGuard::~ParentGuard() {
+  parent_.Cancel();
+  if (thread_.joinable()) thread_.join();
+}
+
+}  // namespace kova::program

@@ -1,0 +1,234 @@
+// The engine that this process starts, drives and stops.
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "api/InitDxGlobal.h"
+#include "api/call_frame.h"
+#include "api/client_cursor.h"
+#include "api/client_state.h"
+#include "api/data_set_caches.h"
+#include "api/guard.h"
+#include "api/kovadx.h"
+#include "api/new_values.h"
+#include "api/pipe_selection.h"
+#include "api/start_options.h"
+#include "config/XCmdArgument.h"
+#include "config/never_destroyed.h"
+#include "config/process_values.h"
+#include "host/CmdReceiveThread.h"
+#include "host/XManager.h"
+#include "host/child_programs.h"
+#include "platform/os/clock.h"
+#include "platform/os/file.h"
+#include "platform/os/named_pipe.h"
+#include "platform/os/process.h"
+#include "trace/DxTracer.h"
+#include "transport/DXCmdDispatcher.h"
+#include "transport/KovaPipe.h"
+#include "transport/XPipeManager.h"
+#include "transport/XPipeSuit.h"
+#include "transport/message_exchange.h"
+#include "transport/watched_wait.h"
+
+namespace {
+
+using namespace kova;
+
+constexpr int kEngineProgramMissing = 17;
+constexpr int kEngineNotStarted = 99107;
+
+constexpr std::uint32_t kStartPauseMs = 500;
+constexpr std::uint32_t kCommandsPauseMs = 100;
+constexpr int kMostCommandsPauses = 50;
+constexpr std::uint32_t kStopPauseMs = 1000;
+
+// The engine's process, from StartKova to StopKova.
+struct DrivenEngine {
+  os::Process process;
+  std::unique_ptr<PeerWatch> watch;
+  std::unique_ptr<CmdReceiveThread> commands;
+
+  bool isActive() { return process && process.Wait(0, nullptr) == os::kWaitTimeout; }
+
+  void watchProcess() {
+    watch = std::make_unique<PeerWatch>(process.Id());
+    SetEngineWatch(watch.get());
+  }
+
+  // Waits without limit; only a wait that fails ends the process by force.
+  void awaitEnd() {
+    if (process && process.Wait(os::kWaitForever, nullptr) != os::kSuccess) process.Terminate();
+    SetEngineWatch(nullptr);
+    watch.reset();
+    process = os::Process();
+  }
+};
+
+DrivenEngine& engine() {
+  static NeverDestroyed<DrivenEngine> theEngine;
+  return theEngine.object();
+}
+
+void forget(KovaPipe* reply) {
+  reply->DisconnectPipe();
+  reply->ClosePipe();
+}
+
+// What the process knows of itself already is not replaced.
+void adopt(const StartOptions& options) {
+  ClientIdentity& identity = StoredIdentity();
+  if (!options.kovaHome.empty()) identity.kovaHome = options.kovaHome;
+  if (IsDXGlobalInit()) return;
+  if (identity.xName.empty()) identity.xName = options.language;
+  identity.tempFolder = options.tempPath;
+}
+
+std::string commandLineOf(const StartOptions& options) {
+  const XPipeManager& manager = *GetXPipeManager();
+  XCmdArgument arguments;
+  arguments.pushArgument(orQuotes(manager.getPipePath()), false);
+  arguments.pushArgument(manager.getPipePid(), true);
+  arguments.pushArgument(StoredIdentity().xName, true);
+  arguments.pushArgument(options.rest, true);
+  return arguments.cmdline();
+}
+
+void startProcess(const std::string& program, const std::string& commandLine) {
+  os::ProcessStart start;
+  start.program = program;
+  start.commandLine = commandLine;
+  start.endsWithParent = true;
+  start.isApart = true;
+  if (os::Process::Start(start, &engine().process) == os::kSuccess) engine().watchProcess();
+}
+
+// The engine's first word on the reply pipe; 109 when it ends without one.
+int awaitGreeting(KovaPipe* reply) {
+  const WatchedWait wait(engine().watch.get(), reply);
+  // Whatever this gives: the receive tells the same.
+  if (!reply->IsWritePipeConnected()) reply->ConnectPipe();
+  CleXDSmb greeting;
+  return ReceiveData(reply, greeting, true);
+}
+
+void takeCommands(DXCmdDispatcher* dispatcher) {
+  {
+    const WatchedWait wait(engine().watch.get(), dispatcher);
+    dispatcher->connectPeer();
+  }
+  engine().commands = std::make_unique<CmdReceiveThread>(dispatcher);
+  engine().commands->receive();
+}
+
+// What an engine that has ended has still written must not greet the next one's start. Deliberate: an engine that has
+// greeted with an error is waited for without limit; it has to end by itself.
+int giveUp(KovaPipe* reply, int code) {
+  SetEngineRunning(false);
+  forget(reply);
+  engine().awaitEnd();
+  return code;
+}
+
+int reportMissing(const std::string& program) {
+  std::printf("No %s file exists\n", program.c_str());
+  std::fflush(stdout);
+  return kEngineProgramMissing;
+}
+
+void awaitCommandsEnd() {
+  if (!engine().commands) return;
+  for (int pauses = 0; engine().commands->isRunning() && pauses < kMostCommandsPauses; ++pauses) {
+    os::SleepMs(kCommandsPauseMs);
+  }
+  if (engine().commands->isRunning()) DxTrace("Cmd Dispatcher thread can't exit timely.");
+  engine().commands.reset();
+}
+
+void closeSuite() {
+  XPipeSuit* const suite = CurrentSuite();
+  if (suite == nullptr) return;
+  if (const CallPipes pipes = SelectPipes()) forget(pipes.reply);
+  suite->stopMonitor(false);
+  suite->stopMonitor(true);
+  if (IsHostCreatedHere()) {
+    awaitCommandsEnd();
+    GetXManager()->cleanup();
+  } else {
+    GetXPipeManager()->getPipeSuit(StoredIdentity().xName)->decreaseIndex();
+  }
+  ForgetCurrentSuite();
+  GetXPipeManager()->cleanup();
+}
+
+// All that the process knows of its engine, so that a later StartKova begins afresh; who the process is stays.
+void forgetEngine() {
+  SetEngineRunning(false);
+  SetHostCreatedHere(false);
+  DropSharedText();
+  DropWideText();
+  SetRecordBrowserOutput(nullptr, false);
+  ForgetDataSets();
+  DropClientCursor();
+  TheNewValues().clear();
+}
+
+// An engine that was never stopped, since it did not answer any more. Its pipes would not reach another one.
+void abandonEngine() {
+  if (!engine().process) return;
+  engine().process.Terminate();
+  closeSuite();
+  FinalizeDXGlobal();
+  engine().awaitEnd();
+  forgetEngine();
+}
+
+int start(const char* text) {
+  abandonEngine();
+  const StartOptions options = parseStartOptions(text ? text : "");
+  adopt(options);
+  XPipeSuit* const suite = CurrentSuite();
+  if (suite == nullptr) return kPipeFailed;
+  DxTrace("call StartKOVA");
+  const std::string home = options.kovaHome.empty() ? GetKOVAHOME() : options.kovaHome;
+  const std::string program = engineProgram(home);
+  DXCmdDispatcher* const dispatcher = IsHostCreatedHere() ? suite->getCmdDispatcher(true) : nullptr;
+  const CallPipes pipes = SelectPipes();
+  if (!pipes) return kPipeFailed;
+  if (!os::FileExists(program)) return reportMissing(program);
+  startProcess(program, commandLineOf(options));
+  os::SleepMs(kStartPauseMs);
+  if (!engine().isActive()) return giveUp(pipes.reply, kEngineNotStarted);
+  SetEngineRunning(true);
+  const int greeted = awaitGreeting(pipes.reply);
+  if (greeted != 0) return giveUp(pipes.reply, greeted);
+  if (dispatcher != nullptr) takeCommands(dispatcher);
+  return 0;
+}
+
+void stop() {
+  Send(Command::StopKova, nullptr);
+  closeSuite();
+  FinalizeDXGlobal();
+  engine().awaitEnd();
+  DxTrace("stopkova");
+  forgetEngine();
+  StoredIdentity() = {};
+  os::SleepMs(kStopPauseMs);
+}
+
+}  // namespace
+
+int StartKova(const char* options) {
+  if (IsBackendReady()) return 0;
+  return Guarded([&] { return start(options); });
+}
+
+void StopKova(void) {
+  if (!IsBackendReady() || !IsXDriven()) return;
+  Guarded([&] {
+    stop();
+    return 0;
+  });
+}
