@@ -3,18 +3,17 @@
 #include <string>
 #include <utility>
 
+#include "engine/command_run.h"
 #include "engine/dictionary_rules.h"
 
 namespace kova::engine {
 namespace {
 
-// Every text is kept, behind the parts that were queued before it. One of blanks alone asks for nothing, so it is
-// carried out; this engine has no commands yet that would carry out another.
+// Every text is kept, behind the parts that were queued before it.
 ErrorCode submit(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
-  state.submittedSyntax.push_back(state.session.queuedSyntax + request.Strings()[0]);
-  state.session.queuedSyntax.clear();
-  const bool isBlank = state.submittedSyntax.back().find_first_not_of(" \t\r\n") == std::string::npos;
-  return isBlank ? ErrorCode::kNone : ErrorCode::kSyntaxNotCarriedOut;
+  const std::string text = std::exchange(state.session.queuedSyntax, {}) + request.Strings()[0];
+  state.submittedSyntax.push_back(text);
+  return runCommands(&state, text);
 }
 
 ErrorCode queueCommandPart(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {

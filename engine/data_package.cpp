@@ -66,7 +66,7 @@ class TableReader {
     const std::size_t count = row.values.size();
     const std::size_t expected = resource_.fields.size();
     if (count == expected) return;
-    const Place place{resource_.tablePath, row.row, std::min(count, expected) + 1, ""};
+    const FilePlace place{resource_.tablePath, row.row, std::min(count, expected) + 1, ""};
     throw DataProblem(problemLine(place, std::to_string(expected) + " values", std::to_string(count)));
   }
 
@@ -152,7 +152,7 @@ class TableReader {
 
   [[noreturn]] void fail(std::size_t row, std::size_t index, const std::string& expected,
                          const std::string& found) const {
-    const Place place{resource_.tablePath, row, index + 1, resource_.fields[index].variable.name};
+    const FilePlace place{resource_.tablePath, row, index + 1, resource_.fields[index].variable.name};
     throw DataProblem(problemLine(place, expected, found));
   }
 

@@ -24,7 +24,7 @@ std::string withoutControls(std::string_view text) {
 
 }  // namespace
 
-std::string problemLine(const Place& place, std::string_view expected, std::string_view found) {
+std::string problemLine(const FilePlace& place, std::string_view expected, std::string_view found) {
   std::string line = place.file;
   if (place.row > 0) line += ", row " + std::to_string(place.row) + ", column " + std::to_string(place.column);
   if (!place.part.empty()) line += " (" + place.part + ")";

@@ -18,7 +18,7 @@ class DataProblem : public std::runtime_error {
 
 // A place in a file. Rows and columns count from 1; a row of 0 stands for the whole file. `part` names the place in the
 // file's own words (a heading, a property) and may be empty.
-struct Place {
+struct FilePlace {
   std::string file;
   std::size_t row = 0;
   std::size_t column = 0;
@@ -27,7 +27,7 @@ struct Place {
 
 // "<file>, row <r>, column <c> (<part>): expected <expected>, found <found>"; without "found" when that is empty. One
 // line: control characters become '?'.
-std::string problemLine(const Place& place, std::string_view expected, std::string_view found);
+std::string problemLine(const FilePlace& place, std::string_view expected, std::string_view found);
 
 // The text in quotes on one line: control characters become '?', what exceeds 40 bytes is cut and replaced by "...".
 // "nothing" for an empty text.

@@ -33,6 +33,18 @@ class SectionsAsText {
   bool isAfterPost_ = false;
 };
 
+// Gives a mutex up that this thread has locked, for as long as it lives.
+class Unlocked {
+ public:
+  explicit Unlocked(std::mutex* mutex) : mutex_(mutex) { mutex_->unlock(); }
+  Unlocked(const Unlocked&) = delete;
+  Unlocked& operator=(const Unlocked&) = delete;
+  ~Unlocked() { mutex_->lock(); }
+
+ private:
+  std::mutex* mutex_;
+};
+
 }  // namespace
 
 void Engine::open(DataSet dataSet) {
@@ -58,6 +70,22 @@ void Engine::onOutput(std::function<void(const std::string& text)> show) {
       [this, show = std::move(show), sections = SectionsAsText()](const OutputSection& section) mutable {
         show(sections.next(section, static_cast<std::size_t>(state_.session.outputWidth)));
       });
+}
+
+void Engine::onBlock(RunBlock run) {
+  const std::lock_guard lock(mutex_);
+  state_.runBlock = nullptr;
+  if (!run) return;
+  state_.runBlock = [this, run = std::move(run)](const std::string& language, const std::vector<std::string>& lines) {
+    const int conversation = state_.conversation;
+    int code = 0;
+    {
+      const Unlocked unlocked(&mutex_);
+      code = run(language, lines);
+    }
+    state_.conversation = conversation;
+    return code;
+  };
 }
 
 void Engine::endOutput() {

@@ -33,6 +33,11 @@ class Engine {
   // thread that carries out the request, before that is answered; must not call the engine. To be set first.
   void onOutput(std::function<void(const std::string& text)> show);
 
+  // Runs the blocks in other languages that submitted syntax has; without it, or with an empty one, they are refused.
+  // Called in the thread that carries out the request. Meanwhile the engine serves other requests, so that the block
+  // can make its own, as another conversation. Not to be called while a block runs.
+  void onBlock(RunBlock run);
+
   // Ends a procedure that a program left open, as if it had ended it.
   void endOutput();
 

@@ -4,6 +4,7 @@
 #define KOVADX_ENGINE_ENGINE_STATE_H
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -19,6 +20,9 @@
 
 namespace kova::engine {
 
+// Runs the lines of a block in a language; the block's code, or one that tells why it was not run.
+using RunBlock = std::function<int(const std::string& language, const std::vector<std::string>& lines)>;
+
 struct EngineState {
   std::vector<std::unique_ptr<DataSet>> dataSets;
   DataSet* active = nullptr;                 // One of dataSets, or none.
@@ -31,6 +35,8 @@ struct EngineState {
   Session session;
   OutputState output;
   RuntimeSocket runtimeSocket;
+  RunBlock runBlock;  // Empty when no blocks are run. While it runs, other requests may change the state.
+  int nestDepth = 0;  // How many blocks run at present.
 };
 
 }  // namespace kova::engine

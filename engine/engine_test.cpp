@@ -120,12 +120,12 @@ TEST_F(EngineTest, TellsTheSystemMissingValue) {
 
 TEST_F(EngineTest, KeepsSubmittedSyntax) {
   CleXDSmb request;
-  request.SetString("COMPUTE x = 1.\0 more", 20);
-  EXPECT_EQ(send(Command::Submit, request).GetErrorCode(), 98005);
+  request.SetString("compute x = 1;\0 more", 20);
+  EXPECT_EQ(send(Command::Submit, request).GetErrorCode(), 98013);
   CleXDSmb blank;
   blank.SetString(" \n");
   EXPECT_EQ(send(Command::Submit, blank).GetErrorCode(), 0);
-  EXPECT_THAT(engine_.submittedSyntax(), ElementsAre(std::string("COMPUTE x = 1.\0 more", 20), " \n"));
+  EXPECT_THAT(engine_.submittedSyntax(), ElementsAre(std::string("compute x = 1;\0 more", 20), " \n"));
 }
 
 constexpr Command kVariableCommands[] = {

@@ -1,6 +1,5 @@
 #include "engine/session_handlers.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -10,8 +9,6 @@
 
 namespace kova::engine {
 namespace {
-
-constexpr std::size_t kLongestLanguage = 40;
 
 template <std::string Session::*text>
 ErrorCode tellText(EngineState& state, const CleXDSmb& /*request*/, CleXDSmb& reply) {
@@ -38,17 +35,12 @@ ErrorCode changeMode(EngineState& state, const CleXDSmb& request, CleXDSmb& /*re
   return ErrorCode::kNone;
 }
 
-bool isLanguage(const std::string& text) {
-  const auto fits = [](char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-  };
-  return !text.empty() && text.size() <= kLongestLanguage && std::all_of(text.begin(), text.end(), fits);
+ErrorCode setOutputLanguage(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
+  return changeOutputLanguage(&state, request.Strings()[0]);
 }
 
-ErrorCode setOutputLanguage(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
-  const std::string& language = request.Strings()[0];
-  if (!isLanguage(language)) return ErrorCode::kLanguageNotValid;
-  state.session.outputLanguage = language;
+ErrorCode getNestDepth(EngineState& state, const CleXDSmb& /*request*/, CleXDSmb& reply) {
+  reply.SetLong(state.nestDepth);
   return ErrorCode::kNone;
 }
 
@@ -105,7 +97,6 @@ ErrorCode transCode(EngineState& /*state*/, const CleXDSmb& request, CleXDSmb& r
 
 constexpr int kYes = 1;
 constexpr int kNo = 0;
-constexpr int kNoNesting = 0;  // No run starts another one inside it.
 
 constexpr HandlerRow kRows[] = {
     {Command::GetKovaOutputWidth, tellNumber<&Session::outputWidth>},
@@ -125,7 +116,7 @@ constexpr HandlerRow kRows[] = {
     {Command::SetZenthorServerMode, changeMode<&Session::serverMode>},
     {Command::IsUTF8mode, tellAlways<kYes>},
     {Command::IsDistributedMode, tellAlways<kNo>},
-    {Command::GetNestDepth, tellAlways<kNoNesting>},
+    {Command::GetNestDepth, getNestDepth},
     {Command::GetFileHandles, getFileHandles},
     {Command::TransCode, transCode},
 };

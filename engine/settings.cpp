@@ -1,11 +1,17 @@
 #include "engine/settings.h"
 
+#include <algorithm>
 #include <clocale>
+#include <cmath>
 
 #include "engine/text_rules.h"
 
 namespace kova::engine {
 namespace {
+
+constexpr std::size_t kLongestLanguage = 40;
+constexpr double kNarrowest = 20;  // Of a line of output.
+constexpr double kWidest = 1000;
 
 struct Row {
   std::string_view item;
@@ -31,6 +37,13 @@ constexpr Row kRows[] = {
     {"Output", "Width", [](const EngineState& state) { return std::to_string(state.session.outputWidth); }},
 };
 
+bool isLanguage(const std::string& text) {
+  const auto fits = [](char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+  };
+  return !text.empty() && text.size() <= kLongestLanguage && std::all_of(text.begin(), text.end(), fits);
+}
+
 }  // namespace
 
 std::optional<std::string> settingOf(const EngineState& state, std::string_view item, std::string_view subItem) {
@@ -38,6 +51,24 @@ std::optional<std::string> settingOf(const EngineState& state, std::string_view 
     if (sameName(row.item, item) && sameName(row.subItem, subItem)) return row.value(state);
   }
   return std::nullopt;
+}
+
+std::vector<Setting> allSettings(const EngineState& state) {
+  std::vector<Setting> all;
+  for (const Row& row : kRows) all.push_back({std::string(row.item), std::string(row.subItem), row.value(state)});
+  return all;
+}
+
+ErrorCode changeOutputLanguage(EngineState* state, const std::string& language) {
+  if (!isLanguage(language)) return ErrorCode::kLanguageNotValid;
+  state->session.outputLanguage = language;
+  return ErrorCode::kNone;
+}
+
+ErrorCode changeOutputWidth(EngineState* state, double width) {
+  if (width != std::floor(width) || width < kNarrowest || width > kWidest) return ErrorCode::kOutputNumberOutOfRange;
+  state->session.outputWidth = static_cast<int>(width);
+  return ErrorCode::kNone;
 }
 
 std::string cLocale() {

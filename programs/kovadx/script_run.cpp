@@ -8,6 +8,7 @@
 
 #include "engine/inner_runtime.h"
 #include "engine/outer_runtime.h"
+#include "engine/text_rules.h"
 #include "message/error_codes.h"
 #include "platform/os/error.h"
 #include "platform/os/file.h"
@@ -151,9 +152,14 @@ std::optional<int> runScript(const RunOptions& options, const std::string& home,
                              engine::Engine* engine, const std::atomic<bool>& endRequested) {
   const std::unique_ptr<HostedRuntime> runtime = makeRuntime(options, home, engine);
   fillJavaRecord(options);
+  engine->onBlock([&](const std::string& language, const std::vector<std::string>& block) {
+    const bool isOwn = engine::sameName(language, options.language);
+    return isOwn ? runtime->run(block) : static_cast<int>(ErrorCode::kLanguageNotSupported);
+  });
   auto* const outer = dynamic_cast<OuterRuntime*>(runtime.get());
   std::future<Outcome> run = std::async(std::launch::async, [&] { return performRun(*runtime, outer, lines); });
   const Outcome outcome = waitForScript(run, endRequested);
+  engine->onBlock({});
   if (!outcome.wasRun) return tellNotRun(options, outcome);
   return resultOf(options, outcome);
 }

@@ -61,6 +61,26 @@ class Scripts(ScriptTest):
     def test_calls_reach_the_engine(self):
         self.assertEqual(self.run_script("ECHO", "variables", more=("--data", PENGUINS)), (0, ["7"], []))
 
+    def test_submitted_commands_are_carried_out(self):
+        code, output, problems = self.run_script(
+            "ECHO", "submit compute x = 2; drop species to sex", "submit list 1", more=("--data", PENGUINS))
+        self.assertEqual((code, problems), (0, []))
+        self.assertIn(["1", "2.00"], [line.split() for line in output])
+        self.assertEqual(self.run_script("ECHO", "submit use nothing", "behind"), (
+            125, ["Error 98010 in line 1, column 5: There is no data set \"nothing\". Open one: open \"datapackage.json\"."],
+            ["kovadx: the script ended with error 98010: No data set has this name. Ask for the names of the open data "
+             "sets; * stands for the active one."]))
+
+    def test_a_submitted_block_runs_in_the_scripts_language(self):
+        block = ["queue begin echo", "queue inside", "queue variables", "submit end echo", "behind"]
+        self.assertEqual(self.run_script("ECHO", *block, more=("--data", PENGUINS)), (0, ["inside", "7", "behind"], []))
+        code, output, _ = self.run_script("ECHO", "queue begin ECHO", "queue return 5", "submit end ECHO", "behind")
+        self.assertEqual((code, output), (5, ["Error 5 in line 1, column 1: The block in ECHO ended with the code 5. See what "
+                                              "it has put out."]))
+        code, output, _ = self.run_script("ECHO", "queue begin BARE", "submit end BARE")
+        self.assertEqual(code, 125)
+        self.assertIn("The block in BARE ended with the code 99120: The configuration does not list the language.", output[0])
+
     def test_the_runtime_gets_arguments_and_environment(self):
         code, output, _ = self.run_script("ECHO", "arguments", "environment ECHO_VARIABLE", "environment KOVA_XNAME",
                                           "environment KOVA_HOME", "environment KOVA_SCRIPT")

@@ -14,7 +14,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "kovadx"
 
 import kovadx_kit
 from child_test import processes_with
-from kovadx_kit import PATIENCE, PENGUINS, KovadxTest, run_tests, wait_until
+from kovadx_kit import PATIENCE, PENGUINS, KovadxTest, run_tests, thread_states, wait_until, wait_until_at_rest
 
 ENGINE_IS_GONE = 2 + 2  # The limit that is promised, and what a busy machine may add.
 LISTED, UNLISTED = "ECHO", "PENGUINS"
@@ -241,7 +241,7 @@ class PosixDriven(DrivenTest):
         self.assertEqual(list(self.pipes.glob("*xdapi*")), [])
 
     def test_the_command_line(self):
-        self.program('for word in "$@"; do echo "[$word]" >&2; done', "exit 3")
+        self.program("printf '[%s]\\n' \"$@\" >&2", "exit 3")
         driver = Driver(self)
         self.assertEqual(driver.start(LISTED, 'one "two three"'), "99107")
         told = self.told()
@@ -294,8 +294,9 @@ class PosixDriven(DrivenTest):
         for name in (UNLISTED, LISTED):
             driver, engine = self.start_up(name), self.engine()
             os.kill(engine, signal.SIGSTOP)
+            wait_until(lambda pid=engine: set(thread_states(pid)) == {"T"}, "the engine stands still")
             driver.tell("submit x")
-            time.sleep(0.2)
+            wait_until_at_rest(driver.process.pid)
             os.kill(engine, signal.SIGKILL)
             self.assertEqual(driver.answer(), "109")
             self.check_the_next_start(driver, name)

@@ -10,12 +10,14 @@
 #include <mutex>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "api/InitDxGlobal.h"
 #include "config/process_values.h"
 #include "engine/data_package.h"
 #include "engine/driven_runtime.h"
 #include "engine/engine.h"
+#include "engine/text_rules.h"
 #include "message/commands.h"
 #include "message/error_codes.h"
 #include "platform/os/environment.h"
@@ -63,7 +65,15 @@ class Session {
         runtime_(
             name, greeting,
             [this](const CleXDSmb& request, CleXDSmb& reply, int level) { perform(request, reply, level); },
-            [this](int level) { leave(level); }) {}
+            [this](int level) { leave(level); }) {
+    engine->onBlock([this, name](const std::string& language, const std::vector<std::string>& lines) {
+      const bool isOwn = kova::engine::sameName(language, name);
+      return isOwn ? runtime_.run(lines) : static_cast<int>(kova::ErrorCode::kLanguageNotSupported);
+    });
+  }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+  ~Session() { engine_->onBlock({}); }
 
   // 0 when the program has been served to its end.
   int run() {

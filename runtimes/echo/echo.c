@@ -8,6 +8,7 @@
  *     environment NAME  shows a variable of the environment
  *     variables         asks the engine for the number of variables and shows it
  *     submit TEXT       submits syntax to the engine; another code than 0 ends the block
+ *     queue TEXT        hands a line over that the next "submit" puts in front of its text
  *     forever           never ends
  *
  * Every other line is shown as it is. An argument --init=7 has the start answer 7, --pre=7 every pre_action.
@@ -81,6 +82,7 @@ static int perform(const char* line, int* ends) {
   if ((rest = after(line, "stop ")) != NULL) return answers.stop = atoi(rest), 0;
   if ((rest = after(line, "environment ")) != NULL) return show_environment(rest);
   if ((rest = after(line, "submit ")) != NULL) return Submit(rest, (int)strlen(rest));
+  if ((rest = after(line, "queue ")) != NULL) return QueueCommandPart(rest, (int)strlen(rest));
   if (strcmp(line, "calls") == 0) return show_calls();
   if (strcmp(line, "arguments") == 0) return show_text(arguments);
   if (strcmp(line, "variables") == 0) return show_variables();

@@ -31,16 +31,18 @@ def windows(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def processes_with(text):
-    """The emulator's processes in whose command line a text stands."""
+def processes_of(port):
+    """The emulator's processes that were started for the server on that port, and their command lines."""
+    entry = f"KOVA_RELAY_PORT={port}".encode()
     for folder in pathlib.Path("/proc").iterdir():
         try:
-            line = (folder / "cmdline").read_bytes().replace(b"\0", b" ").decode(errors="replace")
+            environment = (folder / "environ").read_bytes().split(b"\0")
+            line = (folder / "cmdline").read_bytes().split(b"\0")
             state = (folder / "stat").read_text().rpartition(")")[2].split()[0]
         except (FileNotFoundError, NotADirectoryError, ProcessLookupError):
             continue
-        if state != "Z" and text in line:
-            yield int(folder.name)
+        if state != "Z" and entry in environment:
+            yield int(folder.name), line
 
 
 class RelayTest(KovadxTest):
@@ -76,17 +78,12 @@ class RelayTest(KovadxTest):
                                              "KOVA_RELAY_HOME": windows(self.own_home),
                                              "KOVADXTEMP": windows(self.scratch), **(variables or {})})
 
-    # The command lines of the relays begin with a blank, and name no program: the emulator shows their paths.
+    # The library gives a relay a command line behind no name.
     def relays(self):
-        return [pid for name in ("Rterm.exe", "java.exe") for pid in processes_with(f"{windows(self.own_home)}\\")
-                if self.is_program(pid, name)]
+        return [pid for pid, line in processes_of(self.server.port) if line[0] == b"" and len(line) > 2]
 
-    @staticmethod
-    def is_program(pid, name):
-        try:
-            return pathlib.Path(f"/proc/{pid}/comm").read_text().rstrip() == name
-        except (FileNotFoundError, ProcessLookupError):
-            return False
+    def engines(self):
+        return [pid for pid, line in processes_of(self.server.port) if line[0].endswith(b"kovadx.exe")]
 
     def check_no_process_left(self):
         self.assertEqual(self.server.left(CHILD_IS_GONE), [], "a program still runs")
@@ -139,7 +136,7 @@ class Scripts(RelayTest):
         for statement, code in (("invisible(1)", 0), ("quit(status = 7)", 7)):
             self.assertEqual(self.kovadx(*self.arguments("R", self.script(statement))), (code, [], []))
         code, output, errors = self.kovadx(*self.arguments("R", self.script(
-            "cat('last words\\n')", "tools::pskill(Sys.getpid(), 9)", "Sys.sleep(600)")))
+            "system('echo last words')", "tools::pskill(Sys.getpid(), 9)", "Sys.sleep(600)")))
         self.assertEqual((code, output, errors), (137, [], [KILLED, "last words"]))
 
 
@@ -174,9 +171,8 @@ class Kills(RelayTest):
             with self.subTest(language=language):
                 process, _ = self.start_script(language)
                 killed = time.monotonic()
-                for pid in processes_with(str(self.own_home)):
-                    if self.is_program(pid, "kovadx.exe"):
-                        os.kill(pid, signal.SIGKILL)
+                for pid in self.engines():
+                    os.kill(pid, signal.SIGKILL)
                 wait_until(lambda: self.relays() == [], "the relay ends")
                 self.assertLess(time.monotonic() - killed, CHILD_IS_GONE)
                 process.wait(PATIENCE)
