@@ -45,6 +45,11 @@ int stop_embedded_x(void) {
 
 void set_post_kova_output(int (*post)(const char* text, int length)) { kova::python::setOutput(post); }
 
-int pre_action(void) { return Runtime::get().isReady() ? 0 : kSetUpFailed; }
+int pre_action(void) {
+  return guarded([] {
+    Runtime::get().joinHost();
+    return Runtime::get().isReady() ? 0 : kSetUpFailed;
+  });
+}
 
 int post_action(void) { return 0; }

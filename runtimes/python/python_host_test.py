@@ -23,6 +23,12 @@ class HostWithPython(unittest.TestCase):
         self.addCleanup(self.runtime.set_post_kova_output, None)
         self.addCleanup(self.runtime.stop_embedded_x)
 
+    def test_nobody_need_start_it(self):
+        self.assertEqual(self.runtime.stop_embedded_x(), 0)
+        self.assertEqual(self.runtime.execute_x(b"print('x')"), 99115)
+        self.assertEqual(self.runtime.pre_action(), 0)
+        self.assertEqual(self.run_block("print('joined')"), (0, "joined\n"))
+
     def take(self, text, length):
         self.shown += ctypes.string_at(text, length)
         return 0

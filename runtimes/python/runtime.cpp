@@ -27,6 +27,10 @@ void Runtime::start(const std::vector<std::string>& arguments) {
   ready_ = onPython([&] { return session_.start(arguments); }) == 0;
 }
 
+void Runtime::joinHost() {
+  if (!ready_ && !ownsPython_ && isPythonThere()) start({});
+}
+
 std::string Runtime::setUp() {
   std::string problem;
   if (!isPythonThere()) {

@@ -30,6 +30,10 @@ class Runtime {
   // a line on the error output tells why, and isReady stays false.
   void start(const std::vector<std::string>& arguments);
 
+  // Begins in a process whose Python is somebody else's, unless that was done: a program that drives an engine has its
+  // own, and nobody starts the runtime there.
+  void joinHost();
+
   bool isReady() const { return ready_; }
 
   // Runs a block: 0, 1 after an exception, or what it gave to sys.exit; 99115 when the runtime is not ready.

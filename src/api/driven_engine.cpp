@@ -29,6 +29,7 @@
 #include "transport/KovaPipe.h"
 #include "transport/XPipeManager.h"
 #include "transport/XPipeSuit.h"
+#include "transport/XPipes.h"
 #include "transport/message_exchange.h"
 #include "transport/watched_wait.h"
 
@@ -149,7 +150,7 @@ void awaitCommandsEnd() {
 void closeSuite() {
   XPipeSuit* const suite = CurrentSuite();
   if (suite == nullptr) return;
-  if (const CallPipes pipes = SelectPipes()) forget(pipes.reply);
+  if (XPipes* const set = suite->getXPipes()) forget(set->GetXDAPIResultPipe());
   suite->stopMonitor(false);
   suite->stopMonitor(true);
   if (IsHostCreatedHere()) {
@@ -174,19 +175,17 @@ void forgetEngine() {
   TheNewValues().clear();
 }
 
-// An engine that was never stopped, since it did not answer any more. Its pipes would not reach another one.
+// For an engine that is not to be talked to any more. Another one is reached over pipes of its own, and the process may
+// have another name and home by then.
 void abandonEngine() {
-  if (!engine().process) return;
-  engine().process.Terminate();
+  if (engine().process) engine().process.Terminate();
   closeSuite();
   FinalizeDXGlobal();
   engine().awaitEnd();
   forgetEngine();
 }
 
-int start(const char* text) {
-  abandonEngine();
-  const StartOptions options = parseStartOptions(text ? text : "");
+int begin(const StartOptions& options) {
   adopt(options);
   XPipeSuit* const suite = CurrentSuite();
   if (suite == nullptr) return kPipeFailed;
@@ -207,6 +206,14 @@ int start(const char* text) {
   return 0;
 }
 
+// One that is there was never stopped, since it did not answer any more.
+int start(const StartOptions& options) {
+  if (engine().process) abandonEngine();
+  const int code = begin(options);
+  if (code != 0) abandonEngine();
+  return code;
+}
+
 void stop() {
   Send(Command::StopKova, nullptr);
   closeSuite();
@@ -222,7 +229,7 @@ void stop() {
 
 int StartKova(const char* options) {
   if (IsBackendReady()) return 0;
-  return Guarded([&] { return start(options); });
+  return Guarded([&] { return start(parseStartOptions(options ? options : "")); });
 }
 
 void StopKova(void) {

@@ -195,6 +195,17 @@ TEST_F(DrivenEngine, AfterAFailedStartTheNextOneIsGood) {
   EXPECT_THAT(life_.codes(), ElementsAre(1, 1, 2, 4));
 }
 
+TEST_F(DrivenEngine, AfterAFailedStartTheProcessMayHaveAnotherNameAndHome) {
+  SetXNameAndSHome("WRONG", "nowhere");
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(StartKova(""), 17);
+  testing::internal::GetCapturedStdout();
+  nameAgain();
+  ASSERT_EQ(StartKova(""), 0);
+  EXPECT_EQ(kova::fake::startedPrograms()[0].commandLine, " \"\" 1234 TEST ");
+  StopKova();
+}
+
 TEST_F(DrivenEngine, LeavesNothingOfItselfInTheProcess) {
   for (int life = 0; life < 3; ++life) {
     SCOPED_TRACE(life);
