@@ -2,12 +2,15 @@
 //
 //     run LINE;LINE   runs a block in the driving program; the block's code
 //     stop            stops the runtime; its code
+//     touch FILE      writes a file: this process's id and a "."
+//     work FILE       the same, and never ends
 //     die             ends the process in the middle of the call
 //
 // The setting SHOWN is what blocks have shown since it was asked for last, "|" between the texts; the setting REACHED
 // tells whether the last block was given its lines.
 #include <condition_variable>
 #include <filesystem>
+#include <fstream>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -18,6 +21,7 @@
 #include "engine/data_package.h"
 #include "engine/driven_runtime.h"
 #include "engine/engine.h"
+#include "platform/os/clock.h"
 #include "platform/os/file.h"
 #include "platform/os/process.h"
 #include "programs/common/parent_guard.h"
@@ -27,6 +31,18 @@ namespace {
 using kova::Command;
 
 constexpr const char* kRun = "run ";
+constexpr const char* kTouch = "touch ";
+constexpr const char* kWork = "work ";
+
+// What stands behind the first word.
+std::string after(const std::string& text) { return text.substr(text.find(' ') + 1); }
+
+void touch(const std::string& path) { std::ofstream(path) << kova::os::CurrentProcessId() << '.'; }
+
+void goOnForEver() {
+  volatile bool goesOn = true;
+  while (goesOn) kova::os::YieldThread();
+}
 
 std::vector<std::string> linesOf(const std::string& text) {
   std::vector<std::string> lines;
@@ -78,7 +94,10 @@ class Session {
   int submit(const std::string& text) {
     if (text == "stop") return runtime_.stop();
     if (text == "die") kova::os::EndWithChildren();
-    return text.starts_with(kRun) ? runtime_.run(linesOf(text.substr(4)), &areReached_) : 0;
+    if (text.starts_with(kRun)) return runtime_.run(linesOf(after(text)), &areReached_);
+    if (text.starts_with(kTouch) || text.starts_with(kWork)) touch(after(text));
+    if (text.starts_with(kWork)) goOnForEver();
+    return 0;
   }
 
   std::string setting(const std::string& item) {

@@ -5,10 +5,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "api/kovadx.h"
+#include "platform/os/clock.h"
+#include "platform/os/named_pipe.h"
+#include "platform/os/process_watch.h"
 #include "tests/kit/kit.h"
 #include "tests/kit/scratch_folder.h"
 
@@ -36,6 +41,26 @@ const std::string& home() {
     return folder.path();
   }();
   return path;
+}
+
+// Drives an engine of that home folder, has it carry out the text, and stays.
+KOVA_KIT_CHILD(drives_until_it_is_killed) {
+  SetXNameAndSHome("ECHO", arguments.at(0).c_str());
+  if (StartKova("") != 0) return 1;
+  Submit(arguments.at(1).c_str(), static_cast<int>(arguments.at(1).size()));
+  os::SleepMs(60000);
+  return 0;
+}
+
+// The id that an engine writes when it is told to touch a file; waits for it.
+std::uint32_t idIn(const std::string& path) {
+  for (;;) {
+    std::ifstream file(path);
+    std::uint32_t id = 0;
+    char end = 0;
+    if (file >> id >> end) return id;
+    os::SleepMs(1);
+  }
 }
 
 class DrivenRuntimeTest : public testing::Test {
@@ -142,6 +167,27 @@ TEST_F(DrivenRuntimeTest, AnEngineThatDiesInABlockEndsItAndTheNextStartIsGood) {
     EXPECT_EQ(Shown(), "again");
     StopKova();
   }
+}
+
+// Whatever it is doing.
+TEST_F(DrivenRuntimeTest, TheEngineEndsWithAProgramThatIsKilled) {
+  constexpr std::uint64_t kEngineIsGoneMs = 2000 + 2000;  // What is promised, and what a busy machine may add.
+  int number = 0;
+  for (const std::string text : {"touch ", "work ", "run submit touch FILE;forever", "run submit work "}) {
+    SCOPED_TRACE(text);
+    const std::string path = kit::scratchPath("engine" + std::to_string(++number));
+    const std::size_t place = text.find("FILE");
+    const std::string said = place == std::string::npos ? text + path : std::string(text).replace(place, 4, path);
+    os::Process program = kit::startChild("drives_until_it_is_killed", {home(), said});
+    os::ProcessWatch watch;
+    ASSERT_EQ(os::ProcessWatch::Open(idIn(path), &watch), os::kSuccess);
+    const std::uint64_t killed = os::TickMs();
+    program.Terminate();
+    EXPECT_EQ(watch.Wait(), os::kSuccess);
+    EXPECT_LT(os::TickMs() - killed, kEngineIsGoneMs);
+    program.Wait(os::kWaitForever, nullptr);
+  }
+  os::SweepStalePipes("ECHO");
 }
 
 }  // namespace

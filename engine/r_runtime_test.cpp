@@ -94,6 +94,12 @@ TEST_F(RRuntimeTest, AnIncompleteStatementIsEndedAndTheSessionGoesOn) {
   ExpectToStopWith(0);
 }
 
+TEST_F(RRuntimeTest, AStatementThatStaysOpenDoesNotHoldTheStopUp) {
+  EXPECT_EQ(Run({"{"}), 0);
+  EXPECT_EQ(runtime_->stop(), 0);
+  EXPECT_TRUE(runtime_->childEnd().exitCode.has_value());
+}
+
 TEST_F(RRuntimeTest, TheDebuggerIsLeftByAStop) {
   EXPECT_EQ(Run({"f <- function() { y <- 8; browser(); 9 }", "f()", "y"}), 0);
   EXPECT_THAT(Shown(), ElementsAre("Called from: f()\n[1] 8"));

@@ -17,7 +17,7 @@ static void check(int code, const char* call) {
   exit(1);
 }
 
-static void connectToEngine(const char* name) {
+static inline void connectToEngine(const char* name) {
   const char* const home = getenv("KOVA_HOME");
   const char* const instance = getenv("KOVA_XNAME");
   programName = name;

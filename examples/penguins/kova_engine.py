@@ -16,6 +16,9 @@ DIMENSION = (*TABLE, c_char_p, c_int, c_int, c_bool, c_bool)
 PROTOTYPES = {
     "SetXNameAndSHome": (None, c_char_p, c_char_p),
     "SetKovaRunning": (c_int, c_bool),
+    "StartKova": (c_int, c_char_p),
+    "StopKova": (None,),
+    "Submit": (c_int, c_char_p, c_int),
     "KovaErrorName": (c_char_p, c_int),
     "KovaErrorAdvice": (c_char_p, c_int),
     "GetVariableCount": (c_int, POINTER(c_int)),
@@ -76,6 +79,10 @@ def load_library(path, **more):
     return library
 
 
+def library_in(home):
+    return load_library(os.path.join(home, "kovadx.dll" if os.name == "nt" else "libkovadx.so"))
+
+
 def library_of_the_process():
     """The client library of an engine that this script runs inside of; None in a process of the script's own."""
     try:
@@ -101,9 +108,13 @@ class Engine:
         home, name = os.environ.get("KOVA_HOME"), os.environ.get("KOVA_XNAME")
         if not home or not name:
             raise EngineError("no engine; start this program with: kovadx run --data FOLDER -- python3 PROGRAM")
-        self.library = load_library(os.path.join(home, "kovadx.dll" if os.name == "nt" else "libkovadx.so"))
+        self.library = library_in(home)
         self.library.SetXNameAndSHome(name.encode(), home.encode())
         self.library.SetKovaRunning(True)
+
+    def submit(self, commands):
+        """Has the engine carry out commands; it shows what comes of them."""
+        self.tell("Submit", commands, len(commands.encode()))
 
     def value(self, function, *arguments):
         """Calls a function that returns its result and stores its error code."""
@@ -147,3 +158,17 @@ class Engine:
         if code != 0:
             name = self.library.KovaErrorName(code).decode() or "an error of the engine's own"
             raise EngineError(f"{function}: {code} {name}. {self.library.KovaErrorAdvice(code).decode()}".rstrip())
+
+
+class OwnEngine(Engine):
+    """An engine that this program starts, as often as it likes, and stops."""
+
+    def __init__(self, home):
+        self.home, self.library = home, library_in(home)
+
+    def start(self, name, data):
+        self.library.SetXNameAndSHome(name.encode(), self.home.encode())
+        self.tell("StartKova", f'"{data}"')
+
+    def stop(self):
+        self.library.StopKova()

@@ -58,8 +58,7 @@ stopifnot(identical(failure$call, quote(endProcedure())), failure$routine == "En
 fails(pivotTable(cbind(1), "T"), 98101L, "StartPivotTable: 98101 NoProcedureOpen. Call StartProcedure first.")
 fails(getValueLabels(c("sex", "species")), NA_integer_, "one variable is to be given, by its name or position")
 fails(getVariableType(TRUE), NA_integer_, "variables are given by their names or positions")
-fails(submit("NONSENSE."), 98005L, paste("Submit: 98005 SyntaxNotCarriedOut. Use the calls of the client interface",
-                                         "instead."))
+fails(submit("fly"), 98140L, "Submit: 98140 SyntaxCommandUnknown. Submit help; it lists the commands.")
 # An error in the middle of a read leaves no cursor behind.
 stopifnot(identical(readCases("sex")$sex, cases$sex))
 

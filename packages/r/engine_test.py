@@ -8,6 +8,7 @@ from kovadx_kit import run_tests
 
 HERE = pathlib.Path(__file__).resolve().parent
 SHOWN = """\
+Error 98140 in line 1, column 1: There is no command "fly". Submit help; it lists the commands.
 first
 sécond
 

@@ -1,9 +1,12 @@
 #!/usr/bin/python3
-"""The examples that go over the cases of the penguins, and the numbers that they find; see kovadx_kit.py."""
+"""The examples that go over the cases of the penguins, with the engine of the kovadx command and with one of their own,
+and the numbers that they find; see kovadx_kit.py."""
 import csv
 import json
+import subprocess
 
-from kovadx_kit import PENGUINS, KovadxTest, run_tests
+import kovadx_kit
+from kovadx_kit import PATIENCE, PENGUINS, KovadxTest, run_tests
 
 MEANS = [
     "bill_length_mm: 342 valid cases, mean 43.92",
@@ -14,6 +17,10 @@ MEANS = [
 ]
 
 
+DRIVEN = ["the engine is up: 7 variables, 344 cases", "body_mass_g: 342 valid cases, mean 4201.75",
+          "149 are heavier than that", "the engine has stopped"]
+
+
 class InC(KovadxTest):
     def test_the_means(self):
         self.assertEqual(self.kovadx("run", "--data", PENGUINS, "--", self.example("means")), (0, MEANS, []))
@@ -21,6 +28,29 @@ class InC(KovadxTest):
     def test_without_data_there_are_none(self):
         run = self.kovadx("run", "--", self.example("means"))
         self.assertEqual(run, (1, [], ["means: GetVariableCount failed with code 98004"]))
+
+
+class OwnEngineTest(KovadxTest):
+    def check(self, *command, preload=False):
+        home = kovadx_kit.options.home.resolve()
+        # Where the emulated programs look for the library.
+        environment = {**self.environment(preload), "WINEPATH": f"Z:{home}"}
+        run = subprocess.run([*map(str, command), str(home)], env=environment, capture_output=True, text=True,
+                             timeout=PATIENCE)
+        lines = run.stdout.splitlines()
+        self.assertEqual((run.returncode, [line for line in lines if line in DRIVEN], run.stderr), (0, DRIVEN * 2, ""))
+        tables = [line.split() for line in lines if line.startswith("Body mass (g)")]
+        self.assertEqual(tables, [["Body", "mass", "(g)", "149", "0", "4250", "6300", "4978.02", "506.17"]] * 2)
+
+
+class OwnEngineInC(OwnEngineTest):
+    def test_the_program(self):
+        self.check(*([kovadx_kit.options.emulator] if kovadx_kit.options.emulator else []), self.example("driven"))
+
+
+class OwnEngineInPython(OwnEngineTest):
+    def test_the_script(self):
+        self.check("/usr/bin/python3", "-B", PENGUINS / "driven.py", preload=True)
 
 
 class InPython(KovadxTest):
@@ -63,4 +93,4 @@ class InPython(KovadxTest):
 
 
 if __name__ == "__main__":
-    run_tests([InC], [InPython])
+    run_tests([InC, OwnEngineInC], [InPython, OwnEngineInPython])

@@ -55,9 +55,11 @@ std::string endOf(int exitCode) {
                             : "ended with exit code " + std::to_string(exitCode);
 }
 
-// What R's console has shown last stands in nobody's output yet.
-void printLastOutput(const std::string& output) {
+// What R's console has shown last stands in nobody's output yet. Where a return belongs to a line's end, the standard
+// error stream puts one there by itself.
+void printLastOutput(std::string output) {
   if (output.empty()) return;
+  for (std::size_t at = 0; (at = output.find("\r\n", at)) != std::string::npos;) output.erase(at, 1);
   std::fwrite(output.data(), 1, output.size(), stderr);
   if (output.back() != '\n') std::fputc('\n', stderr);
   std::fflush(stderr);

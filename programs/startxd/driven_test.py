@@ -31,6 +31,7 @@ class Driver:
         self.process = subprocess.Popen(
             [*start, str(test.own_home / test.file("driver")), test.path(test.own_home)], env=test.environment(),
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=test.errors, text=True, bufsize=1)
+        self.shown = []
         test.addCleanup(self.close)
 
     def tell(self, line):
@@ -38,7 +39,12 @@ class Driver:
         self.process.stdin.flush()
 
     def answer(self):
-        return self.process.stdout.readline().rstrip("\n")
+        """The next one; what the engine shows before it is kept."""
+        for line in self.process.stdout:
+            if line.startswith("> "):
+                return line[2:].rstrip("\n")
+            self.shown.append(line.rstrip("\n"))
+        return "the driver has ended"
 
     def ask(self, line):
         self.tell(line)
@@ -93,14 +99,14 @@ class DrivenTest(KovadxTest):
         return super().environment(preload, {"KOVADXTEMP": self.path(self.scratch), **(variables or {})})
 
     def engines(self):
-        return [pid for pid in processes_with("StartXD") if self.is_own(pid)]
+        return [pid for pid in processes_with(self.scratch.name) if not self.is_driver(pid)]
 
-    def is_own(self, pid):
+    def is_driver(self, pid):
+        """Under an emulator the engine's command line does not tell its program."""
         try:
-            line = pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().decode(errors="replace")
+            return "driver" in pathlib.Path(f"/proc/{pid}/cmdline").read_bytes().decode(errors="replace")
         except (FileNotFoundError, ProcessLookupError):
-            return False
-        return self.scratch.name in line and "driver" not in line.split("\0")[0]
+            return True
 
     def engine(self):
         engines = self.engines()
@@ -140,9 +146,24 @@ class Driven(DrivenTest):
     def test_syntax_reaches_the_engine(self):
         driver = Driver(self)
         self.assertEqual(driver.start(LISTED, self.data()), "0")
-        self.assertEqual(driver.ask("queue no such"), "0")
-        self.assertNotIn(driver.ask("submit  command"), ("0", "17", "109", "99104"))
-        self.assertEqual(driver.ask("variables"), "0 7")
+        self.assertEqual(driver.ask("queue compute a = 1;"), "0")
+        self.assertEqual(driver.ask("submit compute b = a + 1;"), "0")
+        self.assertEqual(driver.ask("variables"), "0 9")
+        self.assertEqual(driver.ask("submit no such command"), "98140")
+        self.assertRegex(driver.shown[-1], "98140 in line 1, column 1")
+        self.assertEqual(driver.ask("variables"), "0 9")
+        self.assertEqual(driver.ask("stop"), "stopped")
+
+    def test_blocks_run_in_the_driver(self):
+        driver = Driver(self)
+        self.assertEqual(driver.start(LISTED, self.data()), "0")
+        for _ in range(3):
+            driver.shown.clear()
+            for line in ("begin ECHO", "calls", "variables", "submit compute c = 1", "variables", "end ECHO"):
+                self.assertEqual(driver.ask(f"queue {line}"), "0")
+            self.assertEqual(driver.ask("submit drop c;"), "0")
+            self.assertRegex(driver.shown[0], r"\Ainit 0, pre \d, execute \d, post \d, stop 0")
+            self.assertEqual(driver.shown[1:], ["7", "8"])
         self.assertEqual(driver.ask("stop"), "stopped")
 
     def test_a_start_while_the_engine_is_up(self):
@@ -158,9 +179,9 @@ class Driven(DrivenTest):
     def test_a_missing_program(self):
         (self.own_home / self.file("StartXD")).unlink()
         driver = Driver(self)
-        line = driver.start()
-        self.assertRegex(line, r"\ANo .+\\home\\StartXD\.exe file exists\Z")
-        self.assertEqual(driver.answer(), "17")
+        self.assertEqual(driver.start(), "17")
+        self.assertEqual(len(driver.shown), 1)
+        self.assertRegex(driver.shown[0], r"\ANo .+\\home\\StartXD\.exe file exists\Z")
         self.assertEqual(driver.ask("submit x"), "17")
 
     def test_data_that_can_not_be_read(self):

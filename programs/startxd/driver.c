@@ -1,5 +1,5 @@
 /* The driving program of driven_test.py: carries out one command a line from its standard input and answers with one
- * line, the result.
+ * line, "> " and the result.
  *
  *     name NAME       tells the name and, as home folder, the one that this program was started with
  *     start OPTIONS   starts the engine
@@ -28,17 +28,17 @@ static const char* after(const char* line, const char* beginning) {
 static void answerNumber(int (*function)(int*)) {
   int code = 0;
   const int number = function(&code);
-  printf("%d %d\n", code, number);
+  printf("> %d %d\n", code, number);
 }
 
 static void stop(void) {
   StopKova();
-  puts("stopped");
+  puts("> stopped");
 }
 
 static void name(const char* text, const char* home) {
   SetXNameAndSHome(text, home);
-  puts("named");
+  puts("> named");
 }
 
 static void perform(const char* line, const char* home) {
@@ -46,23 +46,23 @@ static void perform(const char* line, const char* home) {
   if ((rest = after(line, "name ")) != NULL) {
     name(rest, home);
   } else if ((rest = after(line, "start ")) != NULL) {
-    printf("%d\n", StartKova(rest));
+    printf("> %d\n", StartKova(rest));
   } else if ((rest = after(line, "submit ")) != NULL) {
-    printf("%d\n", Submit(rest, (int)strlen(rest)));
+    printf("> %d\n", Submit(rest, (int)strlen(rest)));
   } else if ((rest = after(line, "queue ")) != NULL) {
-    printf("%d\n", QueueCommandPart(rest, (int)strlen(rest)));
+    printf("> %d\n", QueueCommandPart(rest, (int)strlen(rest)));
   } else if (strcmp(line, "stop") == 0) {
     stop();
   } else if (strcmp(line, "ready") == 0) {
-    printf("%d\n", IsBackendReady());
+    printf("> %d\n", IsBackendReady());
   } else if (strcmp(line, "driven") == 0) {
-    printf("%d\n", IsXDriven());
+    printf("> %d\n", IsXDriven());
   } else if (strcmp(line, "variables") == 0) {
     answerNumber(GetVariableCount);
   } else if (strcmp(line, "rows") == 0) {
     answerNumber(GetRowCount);
   } else {
-    printf("unknown: %s\n", line);
+    printf("> unknown: %s\n", line);
   }
 }
 

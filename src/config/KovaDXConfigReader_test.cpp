@@ -270,11 +270,11 @@ TEST_F(KovaDXConfigReaderTest, TheOneReaderKeepsItsFile) {
 
 TEST(SampleConfiguration, ListsThePlainNamesFirst) {
   const kova::kit::ScratchFolder folder;
-  std::filesystem::copy_file(std::string(KOVA_SOURCE_DIR) + "/programs/kovadxcfg.ini", folder.path("kovadxcfg.ini"));
+  std::filesystem::copy_file(std::string(KOVA_SOURCE_DIR) + "/programs/kovadxcfg.ini.in", folder.path("kovadxcfg.ini"));
   SetKOVAHOME(folder.path().c_str());
   OpenConfigReader reader;
   forgetHome();
-  EXPECT_THAT(reader.GetSupportLanguage(), ElementsAre("PYTHON"));
+  EXPECT_THAT(reader.GetSupportLanguage(), ElementsAre("PYTHON", "R", "JAVAEXTENSION"));
   EXPECT_EQ(reader.GetTracePath(), "");
   EXPECT_EQ(reader.GetVersion(), "1.0.0");
   EXPECT_EQ(reader.GetVersionMajor(), "1");

@@ -345,6 +345,7 @@ int OutpStatisticsX::stat_stop_x() {
     while (child_->console.isInBrowser() && execute_x_syntax("Q\n") == 0 && get_x_result() == 0) {
     }
     result = execute_x_syntax("q()\n");
+    child_->console.endInput();
     if (child_->process) child_->console.drain(child_->watch.get());
   } else if (isXProcessActive()) {
     closeJavaSocket();

@@ -36,6 +36,9 @@ class RConsole {
   // has closed its output. With a watch it does not wait for processes that R has left behind.
   int awaitPrompt(PeerWatch* watch);
 
+  // R has got its last statement. A statement that is still open, into which that went, ends R too.
+  void endInput() { stdinWrite_ = {}; }
+
   // Reads what R still prints until it has ended.
   void drain(PeerWatch* watch);
 

@@ -76,7 +76,8 @@ class DrivenTest : public ConfiguredTest {
     while (fake::callCount(function) < count) std::this_thread::yield();
   }
 
-  // The engine's whole life; its exit code.
+  // The engine's whole life; its exit code. It serves on a thread that is not the program's own, and so must not be
+  // ended from outside.
   int play() {
     kit::ScriptedEngine engine(base_ + "0", [this](const kit::Bytes& request) { return answerTo(request); });
     EXPECT_EQ(engine.created(), 0);

@@ -39,7 +39,7 @@ def processes_of(port):
             environment = (folder / "environ").read_bytes().split(b"\0")
             line = (folder / "cmdline").read_bytes().split(b"\0")
             state = (folder / "stat").read_text().rpartition(")")[2].split()[0]
-        except (FileNotFoundError, NotADirectoryError, ProcessLookupError):
+        except OSError:  # It has gone, or is no process, or is somebody else's.
             continue
         if state != "Z" and entry in environment:
             yield int(folder.name), line

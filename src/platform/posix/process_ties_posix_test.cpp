@@ -50,8 +50,9 @@ class ServerLine : public Line {
   ServerLine() { EXPECT_EQ(CreateMessagePipe(name_.c_str(), 8192, &end_), kSuccess); }
 
   const std::string& name() const { return name_; }
+  void accept() { AcceptPeer(end_); }
   std::string acceptAndHear() {
-    AcceptPeer(end_);
+    accept();
     return hear();
   }
 
@@ -112,6 +113,7 @@ TEST(PosixTies, AProcessTiedToOneThatIsKilledDiesWithIt) {
   ServerLine starterLine;
   Process starter = kit::startChild("starts_one_on_a_thread_and_is_killed", {line.name(), starterLine.name()});
   EXPECT_EQ(line.acceptAndHear(), "here");
+  starterLine.accept();
   EXPECT_TRUE(starterLine.say("go on"));
   EXPECT_EQ(kit::waitForChild(starter), 128 + SIGKILL);
   EXPECT_EQ(line.hear(), "error 109");
@@ -266,6 +268,7 @@ TEST(PosixTies, OneThatLeadsNoGroupEndsItselfAlone) {
   ServerLine starterLine;
   Process starter = kit::startChild("ends_alone", {line.name(), starterLine.name()});
   EXPECT_EQ(line.acceptAndHear(), "here");
+  starterLine.accept();
   EXPECT_TRUE(starterLine.say("go on"));
   EXPECT_EQ(kit::waitForChild(starter), 128 + SIGKILL);
   EXPECT_TRUE(line.say("still there")) << "and this program too";

@@ -31,7 +31,7 @@ public final class Failures {
     show(() -> cases.numbers("species"));
     show(() -> cases.texts("body_mass_g"));
     show(() -> cases.numbers("island"));
-    show(() -> ENGINE.submit("FREQUENCIES."));
+    show(() -> ENGINE.submit("fly"));
   }
 
   private static void ofOutput() {

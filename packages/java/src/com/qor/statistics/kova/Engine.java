@@ -125,7 +125,7 @@ public final class Engine {
    * Hands command syntax to the engine and waits until it has been carried out.
    *
    * @param syntax the commands, one line or more
-   * @throws KovaException what the engine answers, such as 98005 by an engine without such a command
+   * @throws KovaException what the engine answers, such as 98140 for a command that it does not have
    */
   public void submit(String syntax) { Native.submit(Texts.outputBytes(syntax)); }
 
