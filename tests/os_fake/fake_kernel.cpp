@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <deque>
 #include <thread>
 
 #include "tests/os_fake/os_fake.h"
@@ -16,7 +17,8 @@ Kernel& kernel() {
 
 namespace {
 
-thread_local std::shared_ptr<ThreadState> threadState;
+// A plain pointer: on Windows a thread's memory may be given back before what lies in it is destroyed.
+thread_local const std::shared_ptr<ThreadState>* threadState = nullptr;
 
 std::shared_ptr<ThreadState> newThreadState(std::shared_ptr<ProcessState> process) {
   static std::atomic<std::uint32_t> lastId{0};
@@ -24,6 +26,14 @@ std::shared_ptr<ThreadState> newThreadState(std::shared_ptr<ProcessState> proces
   state->id = ++lastId;
   state->process = std::move(process);
   return state;
+}
+
+// For threads that were not launched here, whose end nobody tells of.
+const std::shared_ptr<ThreadState>& keep(std::shared_ptr<ThreadState> state) {
+  static std::mutex mutex;
+  static auto* const kept = new std::deque<std::shared_ptr<ThreadState>>;
+  const std::lock_guard<std::mutex> lock(mutex);
+  return kept->emplace_back(std::move(state));
 }
 
 std::optional<os::Error> scriptedFailure(const std::string& function, unsigned callNumber) {
@@ -36,8 +46,8 @@ std::optional<os::Error> scriptedFailure(const std::string& function, unsigned c
 }  // namespace
 
 const std::shared_ptr<ThreadState>& currentThread() {
-  if (!threadState) threadState = newThreadState(ownProcess());
-  return threadState;
+  if (!threadState) threadState = &keep(newThreadState(ownProcess()));
+  return *threadState;
 }
 
 const std::shared_ptr<ProcessState>& ownProcess() {
@@ -48,7 +58,7 @@ const std::shared_ptr<ProcessState>& ownProcess() {
 std::shared_ptr<ThreadState> launch(std::shared_ptr<ProcessState> process, std::function<std::uint32_t()> body) {
   auto state = newThreadState(std::move(process));
   std::thread([state, body = std::move(body)] {
-    threadState = state;
+    threadState = &state;
     const std::uint32_t exitCode = body();
     const std::lock_guard<std::mutex> lock(kernel().mutex);
     state->exitCode = state->killed ? kKilledExitCode : exitCode;
@@ -69,7 +79,7 @@ void killThreadsOf(const ProcessState& process) {
   std::erase_if(threads, [](const std::weak_ptr<ThreadState>& thread) { return thread.expired(); });
   for (const std::weak_ptr<ThreadState>& weak : threads) {
     const std::shared_ptr<ThreadState> thread = weak.lock();
-    if (thread && thread->process.get() == &process && thread != threadState) kill(*thread);
+    if (thread && thread->process.get() == &process && thread != currentThread()) kill(*thread);
   }
 }
 
