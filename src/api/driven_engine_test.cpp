@@ -253,5 +253,4 @@ TEST_F(DrivenEngine, MayDieInACallAndBeStartedAgain) {
   EXPECT_THAT(life_.codes(), ElementsAre(0, 1, 1, 2, 4));
 }
 
-// One that lives on is of no use any more. It waits on the thread that is ended with it.
 }  // namespace
