@@ -15,8 +15,11 @@ set(KOVA_RUNTIME_DIR "${CMAKE_BINARY_DIR}/runtimes" CACHE PATH "Where the build 
 set(KOVA_DEPS_DIR "${CMAKE_SOURCE_DIR}/build/deps" CACHE PATH "Where scripts/demo and scripts/test unpack Debian's source packages")
 find_package(Threads REQUIRED)
 
+# Lines are all that a trace of calls needs. What variables hold is half of a build's time: the Debug type has it.
+string(REGEX REPLACE "-g$|-g " "-g1 " CMAKE_CXX_FLAGS_RELWITHDEBINFO "${CMAKE_CXX_FLAGS_RELWITHDEBINFO}")
+
 if(KOVA_SANITIZE)
-  add_compile_options(-fsanitize=${KOVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  add_compile_options(-O1 -fsanitize=${KOVA_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${KOVA_SANITIZE})
   if(KOVA_SANITIZE MATCHES undefined)
     # The check of virtual calls opens a pipe at each look; it would stop the tests that leave no descriptor free.
@@ -70,10 +73,27 @@ function(kova_sources)
   target_sources(kova_core PRIVATE ${ARGN})
 endfunction()
 
-# Test sources alone: optimising them took more than half of a build's time. What they test is optimised.
+# Test sources alone: optimising and checking them took more than half of a build's time. What they test is optimised
+# and checked.
 add_library(kova_test_flags INTERFACE)
-target_compile_options(kova_test_flags INTERFACE -O0 -g1)
+target_compile_options(kova_test_flags INTERFACE -O0)
+if(KOVA_SANITIZE MATCHES undefined)
+  target_compile_options(kova_test_flags INTERFACE -fno-sanitize=undefined)
+endif()
 target_link_libraries(kova_test_flags INTERFACE kova_flags)
+
+# What most test sources read first, read once. The linux preset goes without, so that each source proves to name what it
+# needs.
+function(kova_precompile_test_headers target)
+  if(NOT TARGET kova_test_headers)
+    file(WRITE "${CMAKE_BINARY_DIR}/test_headers.cpp" "int main() {}\n")
+    add_executable(kova_test_headers EXCLUDE_FROM_ALL "${CMAKE_BINARY_DIR}/test_headers.cpp")
+    target_link_libraries(kova_test_headers PRIVATE kova_test_flags gmock)
+    target_precompile_headers(kova_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem> <fstream> <functional>
+      <map> <set> <sstream> <thread>)
+  endif()
+  target_precompile_headers(${target} REUSE_FROM kova_test_headers)
+endfunction()
 
 # kova_test(name FILE... [FAKE] [KIT] [LIBS lib...] [TIMEOUT seconds]): one GoogleTest program and one CTest entry. FAKE
 # links the in-memory backend in place of the platform's. KIT takes the kit's main, whose children are named functions of
@@ -99,6 +119,7 @@ function(kova_test name)
   endif()
   target_include_directories(${name} PRIVATE "${CMAKE_SOURCE_DIR}")
   target_compile_definitions(${name} PRIVATE KOVA_SOURCE_DIR="${CMAKE_SOURCE_DIR}" KOVA_HOME_DIR="${KOVA_HOME_DIR}")
+  kova_precompile_test_headers(${name})
   add_test(NAME ${name} COMMAND ${name})
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 120)
