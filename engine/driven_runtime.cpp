@@ -41,9 +41,13 @@ int DrivenRuntime::raiseLevel() {
 // After the greeting: the program connects its side only then.
 int DrivenRuntime::startHost() {
   if (!hasBlocks_) return 0;
+  const std::lock_guard lock(starting_);
   const int connected = dispatcherOf(language())->connectPeer();
   return connected != 0 ? connected : host()->init_embedded_x(0, nullptr);
 }
+
+// The program may call as soon as its own side is connected, which can be before this one's is.
+void DrivenRuntime::awaitStart() { const std::lock_guard lock(starting_); }
 
 // The host itself stops nothing: the runtime is not this process's.
 int DrivenRuntime::stopHost() {

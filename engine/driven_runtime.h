@@ -4,6 +4,7 @@
 #ifndef KOVADX_ENGINE_DRIVEN_RUNTIME_H
 #define KOVADX_ENGINE_DRIVEN_RUNTIME_H
 
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -26,6 +27,7 @@ class DrivenRuntime : public HostedRuntime {
   int raiseLevel() override;
   std::optional<int> greeting() const override { return greeting_; }
   int startHost() override;
+  void awaitStart() override;
   int stopHost() override;
   void hostHasEnded() override;
   void runWasNotReached() override;
@@ -33,6 +35,7 @@ class DrivenRuntime : public HostedRuntime {
  private:
   int greeting_;
   bool hasBlocks_;
+  std::mutex starting_;  // Held while the control channel is connected and the host made ready.
 };
 
 }  // namespace kova::engine

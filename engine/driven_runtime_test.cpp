@@ -156,6 +156,19 @@ TEST_F(DrivenRuntimeTest, StopsAndStartsAgain) {
   }
 }
 
+TEST_F(DrivenRuntimeTest, AnEngineThatDiesInABlockEndsItAndTheNextStartIsGood) {
+  for (const char* text : {"die", "run submit die;behind", "run submit run submit die"}) {
+    SCOPED_TRACE(text);
+    Start();
+    EXPECT_EQ(Say(text), 109);
+    StopKova();
+    Start();
+    EXPECT_EQ(Say("run submit run again"), 0);
+    EXPECT_EQ(Shown(), "again");
+    StopKova();
+  }
+}
+
 // Whatever it is doing.
 TEST_F(DrivenRuntimeTest, TheEngineEndsWithAProgramThatIsKilled) {
   constexpr std::uint64_t kEngineIsGoneMs = 2000 + 2000;  // What is promised, and what a busy machine may add.

@@ -117,6 +117,7 @@ int HostedRuntime::run(std::vector<std::string> lines, bool* areReached) {
   if (areReached == nullptr) areReached = &ignored;
   *areReached = false;
   if (!first_) return kHostNotInitialised;
+  awaitStart();
   const Running running(running_);
   if (running.isNested && !isNestable()) return kBusy;
   Level own(*this);

@@ -68,6 +68,9 @@ class HostedRuntime {
   // Starts the host. Its calls are served.
   virtual int startHost() = 0;
 
+  // A run begins, on whatever thread.
+  virtual void awaitStart() {}
+
   // Stops the host; its code.
   virtual int stopHost();
 

@@ -4,6 +4,7 @@
 #include "api/local_results.h"
 #include "api/pipe_selection.h"
 #include "config/text_utilities.h"
+#include "platform/os/error.h"
 #include "transport/KovaPipe.h"
 #include "transport/message_exchange.h"
 #include "transport/watched_wait.h"
@@ -13,6 +14,9 @@ namespace {
 
 constexpr int kOpenAttempts = 20;
 constexpr unsigned int kOpenPauseMs = 100;
+constexpr int kMostLooks = 100;
+constexpr unsigned int kLookPauseMs = 2;
+constexpr int kEngineGone = static_cast<int>(os::kBrokenPipe);
 
 // A pause follows every failed attempt, the last one too, so that a dead engine costs two seconds.
 int openRequestPipe(KovaPipe& pipe) {
@@ -30,6 +34,18 @@ int sendRequest(KovaPipe& pipe, CleXDSmb& request) {
   return code != 0 ? code : SendData(&pipe, request, false);
 }
 
+bool hasOwnEngineEnded() {
+  const PeerWatch* const watch = EngineWatch();
+  return watch != nullptr && watch->hasEnded();
+}
+
+// A process that ends loses its pipes a little before it has ended.
+void awaitOwnEnginesEnd() {
+  for (int looks = 0; EngineWatch() != nullptr && !hasOwnEngineEnded() && looks < kMostLooks; ++looks) {
+    msleep(kLookPauseMs);
+  }
+}
+
 // What it gives is not looked at: 535 is a client that came first, and where there is no connection the read says so.
 // An engine that this process has started may end before it has ever come to this pipe.
 void connectReplies(KovaPipe& pipe) {
@@ -43,6 +59,7 @@ int receiveReply(KovaPipe& pipe, CleXDSmb& reply, EngineCode engineCode) {
   int status = 0;
   const int code = ReceiveMessage(&pipe, reply, &status);
   SetLastReceiveStatus(status);
+  if (status == kEngineGone) awaitOwnEnginesEnd();
   return engineCode == EngineCode::kIgnored ? status : code;
 }
 
@@ -64,7 +81,13 @@ void unpack(std::span<const CallItem> items, CleXDSmb& reply) {
   }
 }
 
+// Of an engine that this process has started and that has ended nothing is asked: a block that it had this process run
+// may still be about to end, on the pipes that are the current ones.
 int converse(Command command, std::span<const CallItem> items, int* errorCode, Manner manner) {
+  if (hasOwnEngineEnded()) {
+    SetLastReceiveStatus(kEngineGone);
+    return kEngineGone;
+  }
   CleXDSmb request;
   pack(command, items, request);
   const CallPipes pipes = SelectPipes();

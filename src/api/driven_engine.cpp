@@ -176,9 +176,11 @@ void forgetEngine() {
 }
 
 // For an engine that is not to be talked to any more. Another one is reached over pipes of its own, and the process may
-// have another name and home by then.
+// have another name and home by then. A block that the engine had this process run ends first: it uses the pipes.
 void abandonEngine() {
   if (engine().process) engine().process.Terminate();
+  awaitCommandsEnd();
+  if (XManager* const manager = GetXManager()) manager->cleanup();
   closeSuite();
   FinalizeDXGlobal();
   engine().awaitEnd();

@@ -253,4 +253,24 @@ TEST_F(DrivenEngine, MayDieInACallAndBeStartedAgain) {
   EXPECT_THAT(life_.codes(), ElementsAre(0, 1, 1, 2, 4));
 }
 
+// One that lives on is of no use any more. It waits on the thread that is ended with it.
+TEST_F(DrivenEngine, ThatIsNotReadyGivesWayToANewOne) {
+  kova::fake::registerProgram(program(), [this](const os::ProcessStart&) {
+    KovaPipe requests(base_ + "0xdapi");
+    KovaPipe replies(base_ + "0xdapiresult");
+    CleXDSmb greeting;
+    EXPECT_EQ(requests.CreatePipe(), 0);
+    EXPECT_EQ(replies.KOVACreateFile(), 0);
+    EXPECT_EQ(SendData(&replies, greeting), 0);
+    return requests.ConnectPipe();
+  });
+  ASSERT_EQ(StartKova(""), 0);
+  SetKovaRunning(false);
+  kova::fake::registerProgram(program(), [this](const os::ProcessStart&) { return play(); });
+  ASSERT_EQ(StartKova(""), 0);
+  EXPECT_THAT(kova::fake::startedPrograms(), SizeIs(2));
+  EXPECT_TRUE(IsXDriven());
+  StopKova();
+}
+
 }  // namespace
