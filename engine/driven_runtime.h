@@ -1,6 +1,6 @@
 // The runtime of a program that drives the engine: it is running already, in that program's process. The first level is
 // the program's own, whose calls are served from the start; the blocks that the engine has it run are nested in it. A
-// program whose language the configuration does not list has no blocks, and no control channel.
+// program that takes no commands has no blocks; whether it does is its own decision, made before it starts the engine.
 #ifndef KOVADX_ENGINE_DRIVEN_RUNTIME_H
 #define KOVADX_ENGINE_DRIVEN_RUNTIME_H
 
@@ -15,8 +15,8 @@ namespace kova::engine {
 class DrivenRuntime : public HostedRuntime {
  public:
   // `name` is that of the driving program. The start greets it with that code, which is the start's result when it is
-  // not 0, and waits for its control channel; run gives 99115 without one. The stop tells the program that no more
-  // blocks come.
+  // not 0, and waits for its control channel; run gives 99115 without one, or when the configuration does not list the
+  // name. The stop tells the program that no more blocks come.
   DrivenRuntime(std::string name, int greeting, Perform perform, Leave leave);
   ~DrivenRuntime() override;
 
@@ -34,7 +34,7 @@ class DrivenRuntime : public HostedRuntime {
 
  private:
   int greeting_;
-  bool hasBlocks_;
+  bool takesCommands_;
   std::mutex starting_;  // Held while the control channel is connected and the host made ready.
 };
 

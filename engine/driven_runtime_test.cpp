@@ -25,22 +25,31 @@ using testing::StartsWith;
 constexpr const char* kConfiguration =
     "[SUPPORTED_LANG]\nX=ECHO;ABSENT\n[ECHO]\nLIB_NAME=kovaecho\nARGS=--init=7\n[ABSENT]\nLIB_NAME=kovanothing\n";
 
-// One for the process, as its configuration is: the engine's program with its library, and the runtime.
-const std::string& home() {
-  static const kit::ScratchFolder folder;
-  static const std::string path = [] {
-    folder.write("kovadxcfg.ini", kConfiguration);
-    std::filesystem::copy_file(KOVA_TEST_ENGINE, folder.path("StartXD.exe"));
+// The engine's program with its library, and the runtime.
+class Home {
+ public:
+  explicit Home(const char* configuration) {
+    folder_.write("kovadxcfg.ini", configuration);
+    std::filesystem::copy_file(KOVA_TEST_ENGINE, folder_.path("StartXD.exe"));
     for (const char* source : {KOVA_RUNTIME_DIR, KOVA_HOME_DIR}) {
       for (const auto& file : std::filesystem::directory_iterator(source)) {
         const std::string name = file.path().filename().string();
         const bool isNeeded = name.starts_with("kovaecho.") || name == "kovadx.dll";
-        if (isNeeded) std::filesystem::copy_file(file, std::filesystem::path(folder.path()) / name);
+        if (isNeeded) std::filesystem::copy_file(file, folder_.path(name));
       }
     }
-    return folder.path();
-  }();
-  return path;
+  }
+
+  std::string path() const { return folder_.path(); }
+
+ private:
+  kit::ScratchFolder folder_;
+};
+
+// The first one, whose configuration the process keeps.
+std::string home() {
+  static const Home theHome(kConfiguration);
+  return theHome.path();
 }
 
 // Drives an engine of that home folder, has it carry out the text, and stays.
@@ -71,8 +80,8 @@ class DrivenRuntimeTest : public testing::Test {
     SetXNameAndSHome(nullptr, nullptr);
   }
 
-  static void Start(const std::string& name = "ECHO") {
-    SetXNameAndSHome(name.c_str(), home().c_str());
+  static void Start(const std::string& name = "ECHO", const std::string& engineHome = home()) {
+    SetXNameAndSHome(name.c_str(), engineHome.c_str());
     ASSERT_EQ(StartKova("\"" KOVA_SOURCE_DIR "/examples/penguins\""), 0);
   }
 
@@ -138,6 +147,21 @@ TEST_F(DrivenRuntimeTest, ANameThatIsNoLanguageHasNoBlocks) {
   Start("OTHER");
   EXPECT_EQ(Say("run x"), 99115);
   EXPECT_EQ(SettingOf("REACHED"), "no");
+}
+
+// Whoever of the two knows of no blocks, nobody waits for the other.
+TEST_F(DrivenRuntimeTest, AnotherHomeMayListOtherLanguages) {
+  Start();
+  StopKova();
+  const Home other("[SUPPORTED_LANG]\nX=OTHER\n[OTHER]\nLIB_NAME=kovaecho\n");
+  for (const char* name : {"ECHO", "OTHER", "ECHO"}) {
+    SCOPED_TRACE(name);
+    Start(name, other.path());
+    EXPECT_EQ(Say("run x"), 99115);
+    EXPECT_EQ(Say("nothing"), 0);
+    StopKova();
+    EXPECT_FALSE(IsBackendReady());
+  }
 }
 
 TEST_F(DrivenRuntimeTest, NothingStopsWhileABlockRuns) {

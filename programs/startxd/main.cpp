@@ -22,6 +22,7 @@
 #include "message/error_codes.h"
 #include "platform/os/environment.h"
 #include "platform/os/file.h"
+#include "platform/os/process.h"
 #include "programs/common/parent_guard.h"
 
 namespace {
@@ -52,6 +53,7 @@ int openData(const std::string& path, kova::engine::Engine* engine) {
   return 0;
 }
 
+// Where nobody reads it any more it is lost, and nothing else is.
 void print(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fflush(stdout);
@@ -135,6 +137,7 @@ int main(int count, char** words) {
     return kWrongUse;
   }
   try {
+    kova::os::OutliveOutput();
     const kova::program::ParentGuard guard("StartXD: the driving program has ended");
     InitDxGlobal(words[1], words[2], kEngineInstance, homeFolder());
     SetAppMode(kLocalMode);

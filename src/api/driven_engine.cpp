@@ -96,10 +96,12 @@ std::string commandLineOf(const StartOptions& options) {
   return arguments.cmdline();
 }
 
-void startProcess(const std::string& program, const std::string& commandLine) {
+// The home goes along: the engine must not find another list of languages in one that it would choose by itself.
+void startProcess(const std::string& program, const std::string& commandLine, const std::string& home) {
   os::ProcessStart start;
   start.program = program;
   start.commandLine = commandLine;
+  start.environment.emplace_back("KOVA_HOME", home);
   start.endsWithParent = true;
   start.isApart = true;
   if (os::Process::Start(start, &engine().process) == os::kSuccess) engine().watchProcess();
@@ -176,13 +178,14 @@ void forgetEngine() {
 }
 
 // For an engine that is not to be talked to any more. Another one is reached over pipes of its own, and the process may
-// have another name and home by then. A block that the engine had this process run ends first: it uses the pipes.
-void abandonEngine() {
+// have another name and home by then. A block that the engine had this process run ends first: it uses the pipes. What
+// the process had set up before its engine came stays.
+void abandonEngine(bool wasSetUpBefore) {
   if (engine().process) engine().process.Terminate();
   awaitCommandsEnd();
   if (XManager* const manager = GetXManager()) manager->cleanup();
   closeSuite();
-  FinalizeDXGlobal();
+  if (!wasSetUpBefore) FinalizeDXGlobal();
   engine().awaitEnd();
   forgetEngine();
 }
@@ -198,7 +201,7 @@ int begin(const StartOptions& options) {
   const CallPipes pipes = SelectPipes();
   if (!pipes) return kPipeFailed;
   if (!os::FileExists(program)) return reportMissing(program);
-  startProcess(program, commandLineOf(options));
+  startProcess(program, commandLineOf(options), home);
   os::SleepMs(kStartPauseMs);
   if (!engine().isActive()) return giveUp(pipes.reply, kEngineNotStarted);
   SetEngineRunning(true);
@@ -208,11 +211,18 @@ int begin(const StartOptions& options) {
   return 0;
 }
 
+// The engine has this process run a block, on a level of its own.
+bool isInBlock() {
+  const XPipeSuit* const suite = CurrentSuite();
+  return suite != nullptr && suite->getIndex() > 0;
+}
+
 // One that is there was never stopped, since it did not answer any more.
 int start(const StartOptions& options) {
-  if (engine().process) abandonEngine();
+  if (engine().process) abandonEngine(false);
+  const bool wasSetUpBefore = IsDXGlobalInit();
   const int code = begin(options);
-  if (code != 0) abandonEngine();
+  if (code != 0) abandonEngine(wasSetUpBefore);
   return code;
 }
 
@@ -234,10 +244,11 @@ int StartKova(const char* options) {
   return Guarded([&] { return start(parseStartOptions(options ? options : "")); });
 }
 
+// Deliberate: nothing happens inside a block either, whose end the stop would have to wait for.
 void StopKova(void) {
   if (!IsBackendReady() || !IsXDriven()) return;
   Guarded([&] {
-    stop();
+    if (!isInBlock()) stop();
     return 0;
   });
 }

@@ -46,6 +46,7 @@ TEST_F(DrivenEngine, IsStartedAndGreets) {
   EXPECT_EQ(started[0].program, program());
   EXPECT_EQ(started[0].commandLine, " \"\" 1234 TEST one two");
   EXPECT_TRUE(started[0].isApart && started[0].endsWithParent);
+  EXPECT_THAT(started[0].environment, ElementsAre(testing::Pair("KOVA_HOME", home())));
   EXPECT_GE(kova::fake::elapsedMs(), 500U);
   EXPECT_TRUE(kova::IsEngineRunning());
   EXPECT_TRUE(IsXDriven());
@@ -161,6 +162,19 @@ TEST_F(DrivenEngine, MayEndAtOnceOrNotBeAProgramAtAll) {
     EXPECT_EQ(StartKova(""), 99107);
     expectNotRunning();
   }
+}
+
+TEST_F(DrivenEngine, ThatFailsLeavesWhatTheProcessHadSetUpBefore) {
+  ASSERT_EQ(InitDxGlobal("", "1234", "TEST", home()), 0);
+  SetAppMode(1);
+  kova::fake::registerProgram(program(), 1);
+  EXPECT_EQ(StartKova(""), 99107);
+  EXPECT_TRUE(IsDXGlobalInit());
+  EXPECT_EQ(GetAppMode(), 1);
+  kova::fake::registerProgram(program(), [this](const os::ProcessStart&) { return play(); });
+  EXPECT_EQ(StartKova(""), 0);
+  StopKova();
+  EXPECT_FALSE(IsDXGlobalInit());
 }
 
 TEST_F(DrivenEngine, MayEndWithoutAGreeting) {

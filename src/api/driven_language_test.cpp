@@ -24,32 +24,44 @@ constexpr const char* kNotTimely = "Cmd Dispatcher thread can't exit timely.";
 class DrivenLanguage : public kova::DrivenTest {
  protected:
   DrivenLanguage() : DrivenTest("ECHO") {
-    life_.beforeGreeting = [this] { commands_ = std::make_unique<DXCmdDispatcher>(base_, false); };
-    life_.afterGreeting = [this] { EXPECT_EQ(commands_->connectPeer(), 0); };
+    life_.beforeGreeting = [this] {
+      areConnected_ = false;
+      commands_ = std::make_unique<DXCmdDispatcher>(base_, false);
+    };
+    life_.afterGreeting = [this] {
+      EXPECT_EQ(commands_->connectPeer(), 0);
+      areConnected_ = true;
+    };
     // Before the reply: nobody sleeps here, and so nobody waits for the commands' end.
     life_.answers[4] = [this] {
-      EXPECT_EQ(commands_->sendCmd(DXCmdDispatcher::kStopDX), 0);
+      EXPECT_EQ(tell(DXCmdDispatcher::kStopDX), 0);
       return reply({}, true);
     };
     life_.afterLastCall = [this] { commands_.reset(); };
     life_.answers[0] = [this] { return reply({.error = runBlock("block")}); };
   }
 
+  // The program may call as soon as its own side of the control channel is connected.
+  int tell(DXCmdDispatcher::CmdKey command) {
+    while (!areConnected_) std::this_thread::yield();
+    return commands_->sendCmd(command);
+  }
+
   // As an engine does while it carries out a request of the first level. The block's code.
   int runBlock(const std::string& text) {
-    const ScriptedEngine calls(base_ + "1", [](const Bytes&) { return reply({}); });
+    const ScriptedEngine calls(base_ + "1", [](const Bytes&) { return reply({.longs = {1}}); });
     kova::EngineEnds ends(base_ + "1");
-    EXPECT_EQ(commands_->sendCmd(DXCmdDispatcher::kSetupDXRun), 0);
+    EXPECT_EQ(tell(DXCmdDispatcher::kSetupDXRun), 0);
     EXPECT_EQ(ends.receive(), 0) << "ready";
     ends.send({text});
     const int code = ends.receive();
-    EXPECT_EQ(commands_->sendCmd(DXCmdDispatcher::kExitDxRun), 0);
+    EXPECT_EQ(tell(DXCmdDispatcher::kExitDxRun), 0);
     return code;
   }
 
   // The engine's side of a block that it does not live to see the end of.
   void beginBlock(kova::EngineEnds& ends) {
-    commands_->sendCmd(DXCmdDispatcher::kSetupDXRun);
+    tell(DXCmdDispatcher::kSetupDXRun);
     EXPECT_EQ(ends.receive(), 0);
     ends.send({"block"});
   }
@@ -63,6 +75,7 @@ class DrivenLanguage : public kova::DrivenTest {
   }
 
   std::unique_ptr<DXCmdDispatcher> commands_;
+  std::atomic<bool> areConnected_ = false;
 };
 
 TEST_F(DrivenLanguage, RunsTheEnginesBlocksAndStartsNoRuntime) {
@@ -85,6 +98,15 @@ TEST_F(DrivenLanguage, RunsTheEnginesBlocksAndStartsNoRuntime) {
   EXPECT_THAT(life_.codes(), ElementsAre(0, 0, 0, 1, 1, 2, 4));
   EXPECT_THAT(fakeRuntime().asked, Not(Contains("stop"))) << "the runtime is the process itself";
   EXPECT_THAT(Traced(), AllOf(Contains("StartXDispatcherVisitor kStopDX"), Contains("stopkova")));
+}
+
+TEST_F(DrivenLanguage, ABlockDoesNotStopItsEngine) {
+  fakeRuntime().whileExecuting = [] { StopKova(); };
+  ASSERT_EQ(StartKova(""), 0);
+  EXPECT_EQ(Submit("x", 1), 0);
+  EXPECT_TRUE(IsBackendReady());
+  StopKova();
+  EXPECT_THAT(life_.codes(), ElementsAre(0, 1, 1, 1, 2, 4));
 }
 
 TEST_F(DrivenLanguage, IsReadyForCommandsBeforeItsStartEnds) {
@@ -165,7 +187,7 @@ TEST_F(DrivenLanguage, AnEngineThatDiesBetweenTheStepsOfABlock) {
   const auto good = life_.answers[0];
   life_.answers[0] = [this] {
     kova::EngineEnds ends(base_ + "1");
-    commands_->sendCmd(DXCmdDispatcher::kSetupDXRun);
+    tell(DXCmdDispatcher::kSetupDXRun);
     EXPECT_EQ(ends.receive(), 0);
     return death();
   };

@@ -6,6 +6,7 @@
 
 #include "message/CleXDSmb.h"
 #include "platform/os/error.h"
+#include "platform/os/named_pipe.h"
 #include "trace/DxTracer.h"
 #include "transport/KovaPipe.h"
 #include "transport/interruption.h"
@@ -71,6 +72,10 @@ struct AsyCsPipe1::Waits {
 };
 
 AsyCsPipe1::Visitor::~Visitor() = default;
+
+bool AsyCsPipe1::isServerThere(const std::string& baseName) {
+  return os::AwaitServer((baseName + kServerRead).c_str(), 1) != os::kFileNotFound;
+}
 
 AsyCsPipe1::AsyCsPipe1(const std::string& baseName, bool isServer)
     : baseName_(baseName), isServer_(isServer), waits_(std::make_unique<Waits>()) {

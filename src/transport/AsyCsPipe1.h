@@ -30,6 +30,9 @@ class KOVADX_API AsyCsPipe1 {
     virtual int VisitReceiver(CleXDSmb& request, CleXDSmb& reply) = 0;
   };
 
+  // Whether somebody has made a server of that name.
+  static bool isServerThere(const std::string& baseName);
+
   // Keeps both and calls openPipe.
   AsyCsPipe1(const std::string& baseName, bool isServer);
   AsyCsPipe1(const AsyCsPipe1&) = delete;

@@ -60,6 +60,17 @@ std::vector<std::string> only(std::vector<std::string> lines, const std::string&
   return lines;
 }
 
+TEST_F(AsyCsPipe1Test, AServerIsSeenFromItsBirthToItsEnd) {
+  EXPECT_FALSE(AsyCsPipe1::isServerThere(kBase));
+  {
+    const AsyCsPipe1 client(kBase, false);
+    EXPECT_FALSE(AsyCsPipe1::isServerThere(kBase));
+    AsyCsPipe1 server(kBase, true);
+    EXPECT_TRUE(AsyCsPipe1::isServerThere(kBase));
+  }
+  EXPECT_FALSE(AsyCsPipe1::isServerThere(kBase));
+}
+
 TEST_F(AsyCsPipe1Test, EachSideCreatesThePipeThatItReads) {
   const AsyCsPipe1 server(kBase, true);
   EXPECT_EQ(openPipeEnds(kServerRead.c_str()), 1u);

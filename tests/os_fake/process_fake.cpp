@@ -300,6 +300,8 @@ void EndWithChildren() {
   std::abort();
 }
 
+void OutliveOutput() { const Call call("OutliveOutput"); }
+
 Error SetEndRequestHandler(void (*handler)()) {
   const Call call("SetEndRequestHandler");
   if (call.failure()) return *call.failure();

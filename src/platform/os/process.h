@@ -80,6 +80,10 @@ class Process {
 // Kills this process at once, and what it has started with it when it was started with isApart.
 [[noreturn]] void EndWithChildren();
 
+// From now on a write to a pipe that nobody reads any more fails, on every platform; what this process starts keeps the
+// platform's way.
+void OutliveOutput();
+
 // Has `handler` called, on a thread of its own choosing, when the user asks this program to end (Ctrl-C, SIGINT,
 // SIGTERM, a closed console). The handler may only store flags and signal events. Null restores the platform's way.
 Error SetEndRequestHandler(void (*handler)());

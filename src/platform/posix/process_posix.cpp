@@ -101,4 +101,6 @@ void EndWithChildren() {
   for (;;) pause();
 }
 
+void OutliveOutput() { signal(SIGPIPE, SIG_IGN); }
+
 }  // namespace kova::os

@@ -142,6 +142,19 @@ TEST(PosixProcess, AChildBeginsWithPlainSignals) {
   pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
+// Its own writes fail then, and what it starts is as before.
+KOVA_KIT_CHILD(outlives_its_output) {
+  OutliveOutput();
+  int ends[2];
+  if (pipe(ends) != 0) return 100;
+  close(ends[0]);
+  if (write(ends[1], "x", 1) != -1 || errno != EPIPE) return 101;
+  close(ends[1]);
+  return kit::runChild("tells_signals");
+}
+
+TEST(PosixProcess, AProgramMayOutliveItsOutput) { EXPECT_EQ(kit::runChild("outlives_its_output"), 0); }
+
 constexpr int kMayBeIgnored[] = {SIGHUP, SIGINT, SIGQUIT, SIGTERM, SIGPIPE};
 
 constexpr int kHangUpBit = 1;
