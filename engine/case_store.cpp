@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "engine/erase_elements.h"
 #include "engine/move_element.h"
 
 namespace kova::engine {
@@ -132,12 +133,11 @@ void CaseStore::insertVariables(std::size_t position, const std::vector<int>& wi
   *this = rearranged(all, sources);
 }
 
-void CaseStore::eraseVariable(std::size_t variable) {
-  const auto place = static_cast<std::ptrdiff_t>(variable);
+void CaseStore::eraseVariables(std::span<const std::size_t> variables) {
   std::vector<int> left = widths();
   std::vector<std::optional<std::size_t>> sources = inOrder(left.size());
-  left.erase(left.begin() + place);
-  sources.erase(sources.begin() + place);
+  eraseElements(&left, variables);
+  eraseElements(&sources, variables);
   *this = rearranged(left, sources);
 }
 

@@ -12,6 +12,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -112,8 +113,8 @@ class CaseStore {
   // have no values of them.
   void insertVariables(std::size_t position, const std::vector<int>& widths);
 
-  // With the last variable the cases go too.
-  void eraseVariable(std::size_t variable);
+  // Positions rise. With the last variable the cases go too.
+  void eraseVariables(std::span<const std::size_t> variables);
 
   // Puts a variable to another position; those between the two move by one.
   void moveVariable(std::size_t from, std::size_t to);

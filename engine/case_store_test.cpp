@@ -234,8 +234,7 @@ TEST(CaseStore, VariablesAreInsertedAnywhere) {
       EXPECT_EQ(cases.text(i, row.text), "Chinstrap") << row.place;
       EXPECT_EQ(cases.number(i, row.other), 100 + static_cast<double>(i)) << row.place;
     }
-    cases.eraseVariable(row.place);
-    cases.eraseVariable(row.place);
+    cases.eraseVariables(std::vector{row.place, row.place + 1});
     EXPECT_TRUE(cases == numberTextNumber()) << row.place;
   }
 }
@@ -256,7 +255,7 @@ TEST(CaseStore, AVariableMovesBothWays) {
 TEST(CaseStore, WithTheLastVariableTheCasesGo) {
   CaseStore cases({9});
   cases.appendCase();
-  cases.eraseVariable(0);
+  cases.eraseVariables(std::vector<std::size_t>{0});
   EXPECT_EQ(cases.caseCount(), 0U);
   EXPECT_EQ(cases.caseBytes(), 0U);
   cases.insertVariables(0, {0});

@@ -1,6 +1,7 @@
 #include "engine/case_summary.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <tuple>
 
@@ -41,10 +42,14 @@ double Moments::deviation() const {
   return std::isfinite(deviation) ? deviation : kSystemMissing;
 }
 
+double ValueCounts::numberOf(double value) const {
+  if (!std::isfinite(value)) return kSystemMissing;
+  return value == 0 && missingOf(*variable_, 0.0) == missingOf(*variable_, -0.0) ? 0.0 : value;
+}
+
 void ValueCounts::add(const CaseStore& cases, std::size_t position, std::size_t variable, double weight) {
   if (variable_->isNumeric()) {
-    const double number = cases.number(position, variable);
-    numbers_[std::isfinite(number) ? number : kSystemMissing] += weight;
+    numbers_[std::bit_cast<std::uint64_t>(numberOf(cases.number(position, variable)))] += weight;
     return;
   }
   const auto* const bytes = static_cast<const char*>(cases.variablesAt(position, variable));
@@ -59,7 +64,10 @@ void ValueCounts::add(const CaseStore& cases, std::size_t position, std::size_t 
 
 std::vector<ValueCounts::Row> ValueCounts::rows() const {
   std::vector<Row> rows;
-  for (const auto& [number, weight] : numbers_) rows.push_back({number, {}, missingOf(*variable_, number), weight});
+  for (const auto& [bits, weight] : numbers_) {
+    const auto number = std::bit_cast<double>(bits);
+    rows.push_back({number, {}, missingOf(*variable_, number), weight});
+  }
   for (const auto& [text, weight] : texts_) {
     rows.push_back({0, text, missingOf(*variable_, std::string_view(text)), weight});
   }

@@ -4,6 +4,7 @@
 #define KOVADX_ENGINE_CASE_SUMMARY_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -69,8 +70,11 @@ class ValueCounts {
     std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
   };
 
+  // The number that a value is counted as. Zero is one number whatever its sign, unless only one of the two is missing.
+  double numberOf(double value) const;
+
   const Variable* variable_;
-  std::unordered_map<double, double> numbers_;
+  std::unordered_map<std::uint64_t, double> numbers_;  // By their bits.
   std::unordered_map<std::string, double, TextHash, std::equal_to<>> texts_;
 };
 

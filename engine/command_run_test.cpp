@@ -74,6 +74,14 @@ TEST_F(Commands, HaveHelp) {
   for (const FunctionRow& row : expressionFunctions()) EXPECT_THAT(last(), HasSubstr(std::string(row.syntax)));
   run("help sqrt");
   EXPECT_THAT(last(), HasSubstr("sqrt(X)\n  The square root"));
+  for (const CommandRow& row : commandTable()) {
+    run("help " + std::string(row.name));
+    EXPECT_THAT(last(), HasSubstr(std::string(row.syntax))) << row.name;
+  }
+  for (const FunctionRow& row : expressionFunctions()) {
+    run("help " + std::string(row.name));
+    EXPECT_THAT(last(), HasSubstr(std::string(row.syntax))) << "a command may have the same name";
+  }
   refuse(ErrorCode::kSyntaxCommandUnknown, "help lits", "There is no help for \"lits\". Did you mean list?");
   refuse(ErrorCode::kSyntaxNotValid, "help list list", "Expected the end of the command");
 }

@@ -174,7 +174,7 @@ double CommandReader::takeNumber() {
   }
   if (error != std::errc()) {
     throw CommandProblem(ErrorCode::kNumberNotValid, start, "The number " + found + " is beyond the range of numbers.",
-                         "Write one of an amount between 1e-307 and 1e308.");
+                         "Write one of an amount between 1e-323 and 1e308.");
   }
   return number;
 }
@@ -183,11 +183,10 @@ double CommandReader::takeNumber() {
 void CommandReader::takeText() {
   const std::size_t start = at_;
   const char quote = text_[at_];
-  const std::size_t lineEnd = start + lineAt(text_, start).size();
-  for (++at_; at_ < lineEnd; ++at_) {
+  for (++at_; at_ < text_.size() && text_[at_] != '\n'; ++at_) {
     if (text_[at_] != quote) continue;
     ++at_;
-    if (at_ == lineEnd || text_[at_] != quote) return;
+    if (at_ == text_.size() || text_[at_] != quote) return;
   }
   throw CommandProblem(ErrorCode::kSyntaxNotValid, start, "The text that begins here has no closing quote in its line.",
                        std::string("Close it with ") + quote + "; a quote inside a text is written twice.");

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -76,6 +77,8 @@ TEST(CommandText, TellsWhereAProblemIs) {
       << "columns are characters";
   EXPECT_THAT(problemOf("1.2.3"), HasSubstr("\"1.2.3\" is neither"));
   EXPECT_THAT(problemOf("1e999"), HasSubstr("Error 98044 in line 1, column 1: The number \"1e999\" is beyond"));
+  EXPECT_THAT(problemOf("1e-400"), HasSubstr("Write one of an amount between 1e-323 and 1e308."));
+  EXPECT_EQ(problemOf("1e-323 1e308"), "no problem");
 }
 
 CommandText blockOf(const std::string& text) {
@@ -121,6 +124,19 @@ TEST(CommandText, BearsVeryLongText) {
   std::string many;
   for (int i = 0; i < 1'000'001; ++i) many += "+ ";
   EXPECT_THAT(problemOf(many), HasSubstr("Error 98142"));
+}
+
+// A text is read without a look at the rest of its line.
+TEST(CommandText, BearsManyTextsOnOneLine) {
+  std::string line;
+  for (int i = 0; i < 200'000; ++i) line += "'' ";
+  line += '#' + std::string(10'000'000, 'x');
+  CommandReader reader(line);
+  CommandText command;
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_TRUE(reader.next(&command));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10)) << "under a sanitizer too";
+  EXPECT_EQ(command.tokens.size(), 200'001U);
 }
 
 }  // namespace

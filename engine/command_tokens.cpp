@@ -71,7 +71,7 @@ std::string CommandTokens::expectText(std::string_view expected) {
 double CommandTokens::expectNumber(std::string_view expected) {
   const double sign = takeSign("-") ? -1 : 1;
   if (!isNext(TokenKind::kNumber)) refuse(expected);
-  return sign * take().number;
+  return sign * take().number + 0.0;
 }
 
 // A line that begins with the name of a command was likely meant as the next one.

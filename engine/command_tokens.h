@@ -37,7 +37,7 @@ class CommandTokens {
   void expectEnd();
   const Token& expectName(std::string_view expected);
   std::string expectText(std::string_view expected);
-  // With its sign.
+  // With its sign, but for a zero, which has none.
   double expectNumber(std::string_view expected);
 
   // Something else was expected than what is next.

@@ -9,10 +9,9 @@
 namespace kova::engine {
 namespace {
 
-// Every text is kept, behind the parts that were queued before it.
+// The parts that were queued before stand in front of the text.
 ErrorCode submit(EngineState& state, const CleXDSmb& request, CleXDSmb& /*reply*/) {
   const std::string text = std::exchange(state.session.queuedSyntax, {}) + request.Strings()[0];
-  state.submittedSyntax.push_back(text);
   return runCommands(&state, text);
 }
 

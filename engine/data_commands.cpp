@@ -59,8 +59,9 @@ void save(EngineState& state, CommandTokens& tokens) {
   const bool takesAll = !takesSelected || selection.takesAll();
   const ErrorCode code = writeDataPackage(dataSet, takesAll ? CasePick() : CasePick(selection), path, files, &problem);
   if (code == ErrorCode::kNone) return;
+  // The problem says already what to do.
   throw CommandProblem(code, pathToken.offset, "The data can not be saved: " + problem + ".",
-                       errorAdvice(static_cast<int>(code)));
+                       "What was there before is left as it was.");
 }
 
 DataSet* expectDataSet(const EngineState& state, CommandTokens* tokens) {

@@ -5,10 +5,12 @@
 namespace kova::engine {
 namespace {
 
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::IsNan;
+using testing::Not;
 
 class DataCommands : public CommandTest {};
 
@@ -33,6 +35,9 @@ TEST_F(DataCommands, TellWhatIsWrongWithAFile) {
   refuse(ErrorCode::kDataFileNotReadable, "open 'nowhere/x.json'",
          "line 1, column 6: The data package \"nowhere/x.json\" can not be read: ");
   refuse(ErrorCode::kDataFileNotWritable, "save 'nowhere/x.json'", "column 6: The data can not be saved: ");
+  EXPECT_THAT(last(), ContainsRegex("check that its folder is there and that files may be made in it\\. What was there "
+                                    "before is left as it was\\."));
+  EXPECT_THAT(last(), Not(ContainsRegex("folder is there.*folder is there"))) << "what to do is told once";
   refuse(ErrorCode::kSyntaxNotValid, "open penguins",
          "Expected the path of a data package in quotes, found \"penguins\"");
   refuse(ErrorCode::kSyntaxNotValid, "save 'x' all", "Expected the end of the command, found \"all\".");
@@ -124,6 +129,11 @@ TEST_F(DataCommands, DescribeVariables) {
   refuse(ErrorCode::kSyntaxNotValid, "values two 'x' 'y'", "Expected a value of two, a number, found the text \"x\".");
   refuse(ErrorCode::kValueTooLong, "values town '1234567890123' 'y'", "column 13");
   refuse(ErrorCode::kSyntaxNotValid, "values two 1 'a' 2 'b'", "Expected a comma and the next value");
+  refuse(ErrorCode::kSyntaxNotValid, "values two",
+         "column 11: Expected a value of two, a number, found the end of the command.");
+  refuse(ErrorCode::kSyntaxNotValid, "values town 'B' 'x',",
+         "column 21: Expected a value of town, a text in quotes, found the end of the command.");
+  refuse(ErrorCode::kSyntaxNotValid, "values two off 1 'a'", "Expected the end of the command, found the number 1.");
   refuse(ErrorCode::kUnknownFormat, "format two F99.1", "column 12");
   refuse(ErrorCode::kFormatOfOtherKind, "format two A5", "column 12");
 }

@@ -48,9 +48,9 @@ ErrorCode insertOneVariable(DataSet& dataSet, const RequestItems& items) {
 }
 
 ErrorCode deleteOneVariable(DataSet& dataSet, const RequestItems& items) {
-  const int position = items.integer(0);
-  if (!isBelow(position, dataSet.variables.size())) return ErrorCode::kIndexOutOfRange;
-  deleteVariable(&dataSet, static_cast<std::size_t>(position));
+  if (!isBelow(items.integer(0), dataSet.variables.size())) return ErrorCode::kIndexOutOfRange;
+  const auto position = static_cast<std::size_t>(items.integer(0));
+  deleteVariables(&dataSet, {&position, 1});
   return ErrorCode::kNone;
 }
 

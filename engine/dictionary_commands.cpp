@@ -45,6 +45,17 @@ double expectNumberValue(const Variable& variable, CommandTokens* tokens) {
   return tokens->expectNumber("a value of " + variable.name + ", a number");
 }
 
+// A value and its label.
+void expectLabel(Variable* variable, CommandTokens* tokens) {
+  if (variable->isNumeric()) {
+    const double number = expectNumberValue(*variable, tokens);
+    setLabel(&variable->numberLabels, number, tokens->expectText("the label in quotes"));
+  } else {
+    std::string text = expectTextValue(*variable, tokens);
+    setLabel(&variable->textLabels, std::move(text), tokens->expectText("the label in quotes"));
+  }
+}
+
 void valueLabels(EngineState& state, CommandTokens& tokens) {
   DataSet& dataSet = commandDataSet(state, tokens);
   const std::size_t position = expectVariable(dataSet.variables, &tokens);
@@ -53,17 +64,10 @@ void valueLabels(EngineState& state, CommandTokens& tokens) {
     variable.numberLabels.clear();
     variable.textLabels.clear();
     tokens.expectEnd();
-  }
-  while (!tokens.isAtEnd()) {
-    const std::string text = variable.isNumeric() ? std::string() : expectTextValue(variable, &tokens);
-    const double number = variable.isNumeric() ? expectNumberValue(variable, &tokens) : 0;
-    std::string given = tokens.expectText("the label in quotes");
-    if (variable.isNumeric()) {
-      setLabel(&variable.numberLabels, number, std::move(given));
-    } else {
-      setLabel(&variable.textLabels, text, std::move(given));
-    }
-    if (!tokens.takeSign(",") && !tokens.isAtEnd()) tokens.refuse("a comma and the next value");
+  } else {
+    do expectLabel(&variable, &tokens);
+    while (tokens.takeSign(","));
+    if (!tokens.isAtEnd()) tokens.refuse("a comma and the next value");
   }
   dataSet.variables.change(position) = std::move(variable);
 }
@@ -146,15 +150,14 @@ void rename(EngineState& state, CommandTokens& tokens) {
   tokens.require(renameVariable(&dataSet, position, std::string(name.source)), name);
 }
 
-// From the last to the first, so that positions stay what they are.
 void drop(EngineState& state, CommandTokens& tokens) {
   DataSet& dataSet = commandDataSet(state, tokens);
   std::vector<std::size_t> positions = expectVariables(dataSet.variables, &tokens);
   tokens.expectEnd();
   requireAtRest(state, dataSet, tokens);
   reserveTouch(&state);
-  std::sort(positions.rbegin(), positions.rend());
-  for (const std::size_t position : positions) deleteVariable(&dataSet, position);
+  std::sort(positions.begin(), positions.end());
+  deleteVariables(&dataSet, positions);
   touch(&state, &dataSet);
 }
 

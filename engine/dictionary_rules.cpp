@@ -166,18 +166,17 @@ ErrorCode insertVariables(DataSet* dataSet, std::size_t position, const std::vec
   try {
     dataSet->cases.insertVariables(position, widths);
   } catch (...) {
-    for (std::size_t i = 0; i < widths.size(); ++i) dataSet->variables.erase(position);
+    for (std::size_t i = 0; i < widths.size(); ++i) dataSet->variables.erase({&position, 1});
     throw;
   }
   return ErrorCode::kNone;
 }
 
-// What may fail comes first.
-void deleteVariable(DataSet* dataSet, std::size_t position) {
-  const std::string name = dataSet->variables[position].name;
-  dataSet->cases.eraseVariable(position);
-  dataSet->variables.erase(position);
-  const auto isDeleted = [&name](const std::string& other) { return sameName(other, name); };
+// What may fail comes first. What the data set names and does not have any more was deleted.
+void deleteVariables(DataSet* dataSet, std::span<const std::size_t> positions) {
+  dataSet->cases.eraseVariables(positions);
+  dataSet->variables.erase(positions);
+  const auto isDeleted = [dataSet](const std::string& name) { return !dataSet->variables.find(name); };
   if (isDeleted(dataSet->weight)) dataSet->weight.clear();
   if (isDeleted(dataSet->filter)) dataSet->filter.clear();
   std::erase_if(dataSet->split, isDeleted);

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -47,9 +48,10 @@ ErrorCode checkNewVariables(const DataSet& dataSet, const std::vector<NewVariabl
 // them. kOutOfMemory when the cases would need more than kMostCasesBytes.
 ErrorCode insertVariables(DataSet* dataSet, std::size_t position, const std::vector<NewVariable>& variables);
 
-// Deletes the variable with its values, and takes it out of wherever the data set names it: without the weight every
-// case counts once, without the filter all are selected, and a response set of fewer than two variables goes.
-void deleteVariable(DataSet* dataSet, std::size_t position);
+// Deletes variables, whose positions rise, with their values, all or none. Takes them out of wherever the data set
+// names them: without the weight every case counts once, without the filter all are selected, and a response set of
+// fewer than two variables goes.
+void deleteVariables(DataSet* dataSet, std::span<const std::size_t> positions);
 
 // Renames it wherever the data set names it.
 ErrorCode renameVariable(DataSet* dataSet, std::size_t position, const std::string& name);

@@ -106,9 +106,4 @@ ErrorCode Engine::saveActive(const std::string& descriptor, std::string* problem
   return ErrorCode::kNoActiveDataSet;
 }
 
-std::vector<std::string> Engine::submittedSyntax() const {
-  const std::lock_guard lock(mutex_);
-  return state_.submittedSyntax;
-}
-
 }  // namespace kova::engine

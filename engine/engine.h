@@ -8,7 +8,6 @@
 #include <functional>
 #include <mutex>
 #include <string>
-#include <vector>
 
 #include "engine/data_set.h"
 #include "engine/engine_state.h"
@@ -46,9 +45,6 @@ class Engine {
 
   // Writes the active data set as a Data Package; see writeDataPackage. kNoActiveDataSet when there is none.
   ErrorCode saveActive(const std::string& descriptor, std::string* problem) const;
-
-  // Every text that was submitted, oldest first.
-  std::vector<std::string> submittedSyntax() const;
 
  private:
   mutable std::mutex mutex_;

@@ -1,5 +1,5 @@
-// What the engine knows: its data sets, which of them is active, the syntax that was submitted, its settings, its
-// output and the socket for a runtime. Changed by request handlers alone, one at a time.
+// What the engine knows: its data sets, which of them is active, its settings, its output and the socket for a runtime.
+// Changed by request handlers alone, one at a time.
 #ifndef KOVADX_ENGINE_ENGINE_STATE_H
 #define KOVADX_ENGINE_ENGINE_STATE_H
 
@@ -31,7 +31,6 @@ struct EngineState {
   std::map<int, DataPass> passes;            // The open passes over cases, by conversation.
   std::map<int, DataStep> steps;             // The running data steps, by conversation.
   std::optional<std::size_t> tempFileCases;  // Of the data file that was saved or read last.
-  std::vector<std::string> submittedSyntax;
   Session session;
   OutputState output;
   RuntimeSocket runtimeSocket;

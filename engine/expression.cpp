@@ -14,9 +14,10 @@ bool Evaluator::holds(std::size_t position) {
   return truth != 0 && !isMissing(truth);
 }
 
+// Adding 0 takes the sign off a zero: -0.0 looks like 0.0, but is none of the missing values that are 0.0.
 void Evaluator::put(const ExpressionStep& step, double result) {
   top_ -= step.arguments;
-  top_->number = result;
+  top_->number = result + 0.0;
   ++top_;
 }
 

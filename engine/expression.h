@@ -70,7 +70,7 @@ class Evaluator {
   const Expression& expression() const { return *expression_; }
   // The step's arguments, the first of them; its result goes there too.
   ExpressionValue* arguments(const ExpressionStep& step) { return top_ - step.arguments; }
-  // Ends a step: its result is the value in front of which its arguments began.
+  // Ends a step: its result is the value in front of which its arguments began. A zero loses its sign.
   void put(const ExpressionStep& step, double result);
   void put(const ExpressionStep& step, std::string_view result);
   // Missing, and counted, when it is no number.

@@ -180,6 +180,8 @@ void textOfNumber(Evaluator& evaluator, const ExpressionStep& step) {
 void numberOfText(Evaluator& evaluator, const ExpressionStep& step) {
   std::string_view text = withoutEndBlanks(evaluator.arguments(step)->text);
   text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+  const bool isSigned = text.starts_with('+') && !text.starts_with("+-");
+  text.remove_prefix(isSigned ? 1 : 0);
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   const bool isNumber = error == std::errc() && end == text.data() + text.size() && std::isfinite(number);

@@ -3,6 +3,7 @@
 #define KOVADX_ENGINE_EXPRESSION_FUNCTIONS_H
 
 #include <cstddef>
+#include <limits>
 #include <span>
 #include <string_view>
 
@@ -10,7 +11,8 @@
 
 namespace kova::engine {
 
-constexpr std::size_t kAnyNumber = 255;  // Of arguments.
+// Of arguments: as many as an expression has room for.
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
 // What a function gives, and how wide that is when it is a text.
 enum class FunctionResult {

@@ -122,7 +122,7 @@ void rawTextOfVariable(Evaluator& evaluator, const ExpressionStep& step) {
 
 void negate(Evaluator& evaluator, const ExpressionStep& step) {
   const double number = evaluator.arguments(step)->number;
-  evaluator.put(step, isMissing(number) ? number : -number);
+  evaluator.put(step, isMissing(number) ? number : evaluator.checked(-number));
 }
 
 void invert(Evaluator& evaluator, const ExpressionStep& step) {

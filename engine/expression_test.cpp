@@ -82,9 +82,28 @@ TEST_F(ExpressionTest, HaveFunctionsOfNumbers) {
       {"length('Z\u00FCrich ')", 6},
       {"contains('abc', 'bc')", 1},
       {"number(' 12.5 ')", 12.5},
+      {"number('+5')", 5},
       {"any('a ', 'a')", 1},
   };
   for (const Row& row : rows) EXPECT_DOUBLE_EQ(valueOf(row.expression), row.value) << row.expression;
+}
+
+// A zero with a sign would look like the missing value 0, and be none.
+TEST_F(ExpressionTest, GiveAZeroWithoutASign) {
+  main().cases.setNumber(0, 2, -0.0);
+  for (const char* expression : {"round(-0.3)", "ceiling(-0.3)", "mod(-4, 2)", "-0", "0 * -1", "-1e-200 * 1e-200",
+                                 "one", "value(one)", "number('-0')", "min(-0, 0)", "if(1, -0, 1)"}) {
+    const double value = valueOf(expression);
+    EXPECT_TRUE(value == 0 && !std::signbit(value)) << expression;
+  }
+  EXPECT_EQ(textOf("text(-0)"), "0");
+}
+
+TEST_F(ExpressionTest, TakeAsManyArgumentsAsTheyHaveRoomFor) {
+  std::string sum = "sum(1";
+  for (int i = 1; i < 9'999; ++i) sum += ", 1";
+  EXPECT_EQ(valueOf(sum + ")"), 9'999);
+  refuse(ErrorCode::kSyntaxTooLarge, "compute x = " + sum + ", 1, 1)", "more than 10000 values and operators.");
 }
 
 TEST_F(ExpressionTest, HaveFunctionsOfTexts) {
@@ -150,14 +169,17 @@ TEST_F(ExpressionTest, TakeMissingValuesAsUnknown) {
 }
 
 TEST_F(ExpressionTest, GiveNoValueWhereThereIsNoNumber) {
-  for (const char* expression : {"1 / 0", "0 / 0", "sqrt(-1)", "ln(0)", "mod(1, 0)", "1e300 * 1e300", "10 ^ 400",
-                                 "(-8) ^ 0.5", "exp(1000)", "round(1, 99)", "-1e308 - 1e308"}) {
+  for (const char* expression :
+       {"1 / 0", "0 / 0", "sqrt(-1)", "ln(0)", "mod(1, 0)", "1e300 * 1e300", "10 ^ 400", "(-8) ^ 0.5", "exp(1000)",
+        "round(1, 99)", "-1e308 - 1e308", "number('+-5')", "number('++5')", "number('+')"}) {
     EXPECT_THAT(valueOf(expression), IsNan()) << expression;
   }
   run("compute result = 1 / two");
   EXPECT_EQ(last(),
             "compute result: 2 results were no numbers (a division by zero, a value out of range) and are "
             "missing.\n\n");
+  run("compute result = -1.7976931348623157e308");
+  EXPECT_THAT(last(), HasSubstr("compute result: 5 results were no numbers")) << "it is the system-missing value";
   main().cases.setNumber(0, 2, std::nan(""));
   run("compute result = one + 1");
   EXPECT_THAT(numbers("result").front(), IsNan());

@@ -130,14 +130,18 @@ std::string helpForFunctions() {
                                             : "Did you mean " + near.found() + "? Submit help; it lists the commands.");
 }
 
+// A command and a function may have the same name.
 std::string helpFor(const Token& token) {
   if (sameName(token.source, "functions")) return helpForFunctions();
-  if (const CommandRow* const row = findCommand(token.source)) {
-    return std::string(row->syntax) + "\n  " + std::string(row->help);
-  }
-  const FunctionRow* const function = findFunction(token.source);
-  if (function == nullptr) refuseHelp(token);
-  return std::string(function->syntax) + "\n  " + std::string(function->help);
+  std::string text;
+  const auto tell = [&text](const auto* row) {
+    if (row == nullptr) return;
+    text += (text.empty() ? "" : "\n") + std::string(row->syntax) + "\n  " + std::string(row->help);
+  };
+  tell(findCommand(token.source));
+  tell(findFunction(token.source));
+  if (text.empty()) refuseHelp(token);
+  return text;
 }
 
 void help(EngineState& state, CommandTokens& tokens) {

@@ -73,8 +73,10 @@ std::vector<std::size_t> expectTableVariables(const DataSet& dataSet, CommandTok
 // A table's title: the variable as people read it.
 std::string titleOf(const Variable& variable) { return variable.label.empty() ? variable.name : variable.label; }
 
+// The two zeros make one category of a table, so the second one goes by a text.
 OutputValue rowValue(const Variable& variable, const ValueCounts::Row& row) {
   if (row.missing == Missing::kSystem) return textValue("No value");
+  if (row.number == 0 && std::signbit(row.number)) return textValue("-0");
   return variable.isNumeric() ? variableNumberValue(variable, row.number) : variableTextValue(variable, row.text);
 }
 

@@ -55,6 +55,33 @@ TEST_F(TableCommands, FrequenciesTellValidFromMissing) {
   EXPECT_EQ(cellsOf(table(1)).front(), "none/Count=1") << "an empty text, by its label";
 }
 
+TEST_F(TableCommands, FrequenciesCountZerosAsDescriptivesDo) {
+  run("compute r = round(-0.3) where case() = 1; compute r = 0 where case() > 1; missing r 0; frequencies r");
+  EXPECT_THAT(cellsOf(table(0)), ElementsAre("0.00/Count=5", "0.00/Percent=100.0", "Total/Count=5",
+                                             "Total/Percent=100.0", "Total/Percent of valid=."));
+  run("descriptives r");
+  EXPECT_THAT(cellsOf(table(0)), testing::IsSupersetOf({"r/Count=0", "r/Missing=5"}));
+  EXPECT_EQ(submit("missing r -0; frequencies r"), 0);
+  EXPECT_EQ(cellsOf(table(0)).front(), "0.00/Count=5") << "a zero that is written has no sign either";
+  EXPECT_THAT(last(), HasSubstr("Counts as missing."));
+}
+
+// Data from elsewhere may have zeros with a sign, and only one of the two may be a missing value.
+TEST_F(TableCommands, FrequenciesTellTheTwoZerosApartWhereTheyDiffer) {
+  for (const double first : {0.0, -0.0}) {
+    for (std::size_t i = 0; i < 5; ++i) main().cases.setNumber(i, 2, i < 2 ? first : -first);
+    run("missing one off; frequencies one");
+    EXPECT_EQ(cellsOf(table(0)).front(), "0.00/Count=5");
+    run("missing one 0; frequencies one");
+    const std::string plain = std::signbit(first) ? "3" : "2";
+    const std::string with = std::signbit(first) ? "2" : "3";
+    EXPECT_THAT(cellsOf(table(0)),
+                testing::IsSupersetOf(Texts{"-0/Count=" + with, "-0/Percent of valid=100.0", "0.00/Count=" + plain}));
+    run("descriptives one");
+    EXPECT_THAT(cellsOf(table(0)), testing::IsSupersetOf({"one/Count=" + with, "one/Missing=" + plain}));
+  }
+}
+
 TEST_F(TableCommands, DescriptivesTellMeanAndSpread) {
   run("descriptives one, score");
   EXPECT_THAT(cellsOf(table(0)),

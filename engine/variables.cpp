@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "engine/erase_elements.h"
 #include "engine/move_element.h"
 
 namespace kova::engine {
@@ -53,10 +54,11 @@ void Variables::insert(std::size_t position, std::vector<Variable> variables) {
   renumber(position);
 }
 
-void Variables::erase(std::size_t position) {
-  positions_.erase(variables_[position].name);
-  variables_.erase(variables_.begin() + static_cast<std::ptrdiff_t>(position));
-  renumber(position);
+void Variables::erase(std::span<const std::size_t> positions) {
+  if (positions.empty()) return;
+  for (const std::size_t position : positions) positions_.erase(positions_.find(variables_[position].name));
+  eraseElements(&variables_, positions);
+  renumber(positions.front());
 }
 
 void Variables::move(std::size_t from, std::size_t to) {

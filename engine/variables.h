@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -37,7 +38,8 @@ class Variables {
   // Adds variables in front of the one at a position, which may be size(). Their names must be new and differ.
   void insert(std::size_t position, std::vector<Variable> variables);
 
-  void erase(std::size_t position);
+  // Positions rise. Throws nothing.
+  void erase(std::span<const std::size_t> positions);
 
   // Puts a variable to another position; those between the two move by one.
   void move(std::size_t from, std::size_t to);

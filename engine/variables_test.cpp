@@ -70,12 +70,21 @@ TEST(Variables, AreErasedWithTheirNames) {
   for (const auto& [place, names] : {std::pair<std::size_t, const char*>{0, "bc"}, {1, "ac"}, {2, "ab"}}) {
     Variables variables{named("a"), named("b"), named("c")};
     const std::string erased = variables[place].name;
-    variables.erase(place);
+    variables.erase({&place, 1});
     expectNames(variables, names);
     EXPECT_EQ(variables.find(erased), std::nullopt);
     variables.push_back(named(erased));
     expectNames(variables, names + erased);
   }
+}
+
+TEST(Variables, AreErasedTogether) {
+  Variables variables{named("a"), named("b"), named("c"), named("d"), named("e")};
+  variables.erase({});
+  expectNames(variables, "abcde");
+  variables.erase(std::vector<std::size_t>{1, 2, 4});
+  expectNames(variables, "ad");
+  EXPECT_EQ(variables.find("e"), std::nullopt);
 }
 
 TEST(Variables, MoveBothWays) {

@@ -254,7 +254,7 @@ TEST_F(XdapiServerTest, AClientThatGoesInTheMiddleOfARequestEndsItsConversationO
     client.close();
     expectServes(base);
   }
-  EXPECT_TRUE(engine_.submittedSyntax().empty()) << "half a request was carried out";
+  EXPECT_EQ(engine_.htmlOutput().find("xxxx"), std::string::npos) << "half a request was carried out";
 }
 
 TEST_F(XdapiServerTest, AnOversizedLengthEndsWithItsClient) {
