@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
-"""Starts an engine with the penguins, reads their cases, submits commands, stops it; and all that a second time.
+"""Starts an engine with the penguins, reads their cases, submits commands, reads back what comes of them, stops the
+engine; and all that a second time.
 
     python3 examples/penguins/driven.py [HOME]
 
 HOME is the home folder, in which the engine and the library lie; without it, the one that KOVA_HOME names, or the one
 that this file was shipped in.
 """
+import math
 import os
 import pathlib
 import statistics
@@ -14,6 +16,7 @@ import sys
 from kova_engine import EngineError, OwnEngine
 
 MASS = "body_mass_g"
+MEAN = "//table[@subtype='Descriptives']/cell[at/@category='Mean']/@number"  # With all digits, not only those shown.
 
 
 def masses_of(engine):
@@ -31,7 +34,12 @@ def session(engine, data):
     masses = masses_of(engine)
     print(f"{MASS}: {len(masses)} valid cases, mean {statistics.fmean(masses):.2f}", flush=True)
     engine.submit(f"compute heavy = {MASS} > {statistics.fmean(masses)}; filter by heavy; descriptives {MASS};")
-    print(f"{len(masses_of(engine))} are heavier than that")
+    heavy = masses_of(engine)
+    print(f"{len(heavy)} are heavier than that")
+    own, (found,) = statistics.fmean(heavy), map(float, engine.results(MEAN))
+    if not math.isclose(own, found):
+        raise EngineError(f"their mean is {own}, and the engine's table has {found}")
+    print(f"their mean is {own:.2f}, in the engine's table too")
     engine.stop()
     print("the engine has stopped")
 

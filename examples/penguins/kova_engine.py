@@ -5,7 +5,7 @@ Python's standard library alone.
 """
 import ctypes
 import os
-from ctypes import POINTER, byref, c_bool, c_char_p, c_double, c_int
+from ctypes import POINTER, byref, c_bool, c_char_p, c_double, c_int, c_void_p
 
 END_OF_CASES, END_OF_GROUP = 23, 67  # What NextCase returns behind the last case, and behind that of a split group.
 
@@ -63,6 +63,10 @@ PROTOTYPES = {
     "SetFormatSpecStdDev": (c_int, c_int),
     "SetNumberCell": (c_int, *DIMENSION, c_double),
     "AddCellFootnotes": (c_int, *DIMENSION, c_char_p),
+    "EvaluateXPath": (c_void_p, c_char_p, c_char_p, c_char_p, POINTER(c_int)),
+    "GetStringListLength": (c_int, c_void_p),
+    "GetStringFromList": (c_char_p, c_void_p, c_int),
+    "RemoveStringList": (None, c_void_p),
 }
 
 
@@ -153,6 +157,14 @@ class Engine:
         value, missing = ctypes.create_string_buffer(width + 1), c_int()
         self.tell("GetStringValue", variable, byref(ctypes.cast(value, c_char_p)), width, byref(missing))
         return value.value.decode().rstrip(" ")
+
+    def results(self, expression):
+        """What an XPath expression finds in the output so far, as texts."""
+        found = self.value("EvaluateXPath", "output", "", expression)
+        count = self.library.GetStringListLength(found)
+        texts = [self.library.GetStringFromList(found, i).decode() for i in range(count)]
+        self.library.RemoveStringList(found)
+        return texts
 
     def check(self, function, code):
         if code != 0:

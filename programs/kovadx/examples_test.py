@@ -32,6 +32,7 @@ class InC(KovadxTest):
 
 class OwnEngineTest(KovadxTest):
     def check(self, *command, preload=False):
+        """What the program has put out."""
         home = kovadx_kit.options.home.resolve()
         # Where the emulated programs look for the library.
         environment = {**self.environment(preload), "WINEPATH": f"Z:{home}"}
@@ -41,6 +42,7 @@ class OwnEngineTest(KovadxTest):
         self.assertEqual((run.returncode, [line for line in lines if line in DRIVEN], run.stderr), (0, DRIVEN * 2, ""))
         tables = [line.split() for line in lines if line.startswith("Body mass (g)")]
         self.assertEqual(tables, [["Body", "mass", "(g)", "149", "0", "4250", "6300", "4978.02", "506.17"]] * 2)
+        return lines
 
 
 class OwnEngineInC(OwnEngineTest):
@@ -50,7 +52,8 @@ class OwnEngineInC(OwnEngineTest):
 
 class OwnEngineInPython(OwnEngineTest):
     def test_the_script(self):
-        self.check("/usr/bin/python3", "-B", PENGUINS / "driven.py", preload=True)
+        lines = self.check("/usr/bin/python3", "-B", PENGUINS / "driven.py", preload=True)
+        self.assertEqual(lines.count("their mean is 4978.02, in the engine's table too"), 2)
 
 
 class InPython(KovadxTest):

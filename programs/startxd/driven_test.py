@@ -3,7 +3,6 @@
 way; see kovadx_kit.py. A process that is left behind is a failure of every test."""
 import os
 import pathlib
-import re
 import shutil
 import signal
 import subprocess
@@ -219,34 +218,8 @@ class Driven(DrivenTest):
             self.assertEqual(driver.end(), 0)
             self.expect_engine_gone()
 
-    def test_cycles(self):
-        self.cycle(4)
 
-    def cycle(self, count, look=lambda driver: None):
-        """In two programs at the same time, of a listed name and another one."""
-        drivers = {name: Driver(self) for name in (UNLISTED, LISTED)}
-        for _ in range(count):
-            for name, driver in drivers.items():
-                driver.ask(f"name {name}")
-                driver.tell(f"start {self.data()}")
-            for driver in drivers.values():
-                self.assertEqual(driver.answer(), "0")
-                self.assertEqual(driver.ask("rows"), "0 344")
-                driver.tell("stop")
-            for driver in drivers.values():
-                self.assertEqual(driver.answer(), "stopped")
-            self.assertEqual(self.engines(), [])
-            for driver in drivers.values():
-                look(driver)
-
-
-class PosixDriven(DrivenTest):
-    def program(self, *lines):
-        """A program of the stated name, which is looked for first."""
-        program = self.own_home / "StartXD.exe"
-        program.write_text("".join(line + "\n" for line in ("#!/bin/sh", *lines)))
-        program.chmod(0o755)
-
+class Failures(DrivenTest):
     def start_up(self, name):
         driver = Driver(self)
         self.assertEqual(driver.start(name, self.data()), "0")
@@ -262,25 +235,31 @@ class PosixDriven(DrivenTest):
         self.assertEqual(driver.end(), 0)
         self.assertEqual(list(self.pipes.glob("*xdapi*")), [])
 
-    def test_the_command_line(self):
-        self.program("printf '[%s]\\n' \"$@\" >&2", "exit 3")
-        driver = Driver(self)
-        self.assertEqual(driver.start(LISTED, 'one "two three"'), "99107")
-        told = self.told()
-        self.assertEqual([told[0], *told[2:]], [f"[\\{str(self.scratch)[1:]}\\]".replace("/", "\\"), f"[{LISTED}]", "[one]",
-                                                "[two three]"])
-        self.assertRegex(told[1], r"\A\[[0-9a-f]{4,}\]\Z")
+    def take_the_engines_place(self, program):
+        (self.own_home / "StartXD.exe").unlink(missing_ok=True)
+        shutil.copy(program, self.own_home / "StartXD.exe")
+
+    def restore_the_engine(self):
+        self.take_the_engines_place(kovadx_kit.options.home / self.file("StartXD"))
+
+    def start_in_vain(self, driver, lives, limit):
+        """Its code. A busy emulator may take the half second, after which the engine has to run, to end a process."""
+        for _ in range(5 if kovadx_kit.options.emulator and lives == "0" else 1):
+            begun = time.monotonic()
+            code = driver.start(LISTED, lives)
+            self.assertLess(time.monotonic() - begun, limit)
+            if code == "99107":
+                break
+        return code
 
     def test_an_engine_that_ends_before_it_greets(self):
+        self.take_the_engines_place(kovadx_kit.options.parts / self.file("brief_engine"))
         driver = Driver(self)
-        for line, code, limit in (("exit 0", "99107", 2), ("sleep 1", "109", 4)):
-            with self.subTest(line=line):
-                self.program(line)
-                begun = time.monotonic()
-                self.assertEqual(driver.start(LISTED), code)
-                self.assertLess(time.monotonic() - begun, limit)
+        for lives, code, limit in (("0", "99107", 2), ("1000", "109", 4)):
+            with self.subTest(lives=lives):
+                self.assertEqual(self.start_in_vain(driver, lives, limit), code)
                 self.assertEqual(driver.ask("submit x"), "17")
-        (self.own_home / "StartXD.exe").unlink()
+        self.restore_the_engine()
         self.session(driver, LISTED)
 
     def test_a_program_that_may_not_be_run(self):
@@ -330,24 +309,78 @@ class PosixDriven(DrivenTest):
         self.assertEqual(driver.ask("variables"), "109 0")
         self.check_the_next_start(driver, LISTED)
 
+
+class Cycles(DrivenTest):
+    def work(self, driver, name):
+        """Commands, one of them in two parts, data that are read, and a block that asks and submits."""
+        self.assertEqual(driver.ask("queue compute a = "), "0")
+        self.assertEqual(driver.ask("submit 1; compute b = a + 1;"), "0")
+        self.assertEqual((driver.ask("variables"), driver.ask("rows"), driver.ask("cases")), ("0 9", "0 344", "0 344"))
+        if name == LISTED:
+            driver.shown.clear()
+            for line in ("begin ECHO", "submit compute c = 1;", "variables", "end ECHO"):
+                self.assertEqual(driver.ask(f"queue {line}"), "0")
+            self.assertEqual(driver.ask("submit drop a, b;"), "0")
+            self.assertEqual((driver.shown, driver.ask("variables")), (["10"], "0 8"))
+
+    def cycle(self, count, names, look):
+        """In several programs at the same time, since most of a cycle is waiting."""
+        drivers = [(Driver(self), name) for name in names]
+        for _ in range(count):
+            for driver, name in drivers:
+                driver.ask(f"name {name}")
+                driver.tell(f"start {self.data()}")
+            for driver, name in drivers:
+                self.assertEqual(driver.answer(), "0")
+                self.work(driver, name)
+                driver.tell("stop")
+            for driver, _ in drivers:
+                self.assertEqual(driver.answer(), "stopped")
+            self.assertEqual(self.engines(), [])
+            for driver, _ in drivers:
+                look(driver)
+        for driver, _ in drivers:
+            self.assertEqual(driver.end(), 0)  # Where leaks are looked for at the end, they make it another one.
+        self.assertEqual(self.told(), [])
+
     def test_a_hundred_cycles_leave_nothing(self):
-        # The address sanitizer holds back what is freed, unless it is told not to.
-        self.variables["ASAN_OPTIONS"] = "quarantine_size_mb=0:thread_local_quarantine_size_kb=0"
+        # What is freed counts as free at once, and which thread asks does not count.
+        self.variables["GLIBC_TUNABLES"] = "glibc.malloc.tcache_count=0:glibc.malloc.arena_max=1"
+        listed, count, known, spare = 4, 25, 10, (0, 0, 0)
+        if kovadx_kit.options.emulator:
+            # What a lock of the C library needs is made when it is first waited for, which may be late.
+            listed, count, known, spare = 1, 14, 4, (2, 0, 1500)
         seen = {}
 
         def look(driver):
-            pid = driver.process.pid
-            memory = int(re.search(r"VmRSS:\s+(\d+)", pathlib.Path(f"/proc/{pid}/status").read_text())[1])
-            threads = len(list(pathlib.Path(f"/proc/{pid}/task").iterdir()))
-            seen.setdefault(pid, []).append((len(os.listdir(f"/proc/{pid}/fd")), threads, memory))
+            handles, memory = map(int, driver.ask("usage").split())
+            threads = len(os.listdir(f"/proc/{driver.process.pid}/task"))
+            seen.setdefault(driver, []).append((handles, threads, memory))
 
-        Driven.cycle(self, 50, look)
+        self.cycle(count, [LISTED] * listed + [UNLISTED], look)
         for looks in seen.values():
-            self.assertEqual(len(looks), 50)
-            self.assertEqual({look[:2] for look in looks[1:]}, {looks[0][:2]}, "descriptors and threads")
-            self.assertLess(looks[-1][2] - looks[9][2], 1024, "KiB of memory")
+            self.assertEqual(len(looks), count)
+            grown = [after - before for before, after in zip(looks[known - 1], looks[-1])]
+            self.assertTrue(all(more <= most for more, most in zip(grown, spare)), f"handles, threads, bytes: {looks}")
         self.assertEqual(list(self.pipes.iterdir()), [])
 
 
+class PosixDriven(DrivenTest):
+    def program(self, *lines):
+        """A program of the stated name, which is looked for first."""
+        program = self.own_home / "StartXD.exe"
+        program.write_text("".join(line + "\n" for line in ("#!/bin/sh", *lines)))
+        program.chmod(0o755)
+
+    def test_the_command_line(self):
+        self.program("printf '[%s]\\n' \"$@\" >&2", "exit 3")
+        driver = Driver(self)
+        self.assertEqual(driver.start(LISTED, 'one "two three"'), "99107")
+        told = self.told()
+        self.assertEqual([told[0], *told[2:]], [f"[\\{str(self.scratch)[1:]}\\]".replace("/", "\\"), f"[{LISTED}]", "[one]",
+                                                "[two three]"])
+        self.assertRegex(told[1], r"\A\[[0-9a-f]{4,}\]\Z")
+
+
 if __name__ == "__main__":
-    run_tests([Driven], [PosixDriven])
+    run_tests([Driven, Failures, Cycles], [PosixDriven])

@@ -7,8 +7,10 @@
  *     ready, driven   asks whether it is there, and driven
  *     variables       asks for the number of variables: code and number
  *     rows            the same for cases
+ *     cases           goes over the cases: code and number
  *     submit TEXT     submits syntax
  *     queue TEXT      hands over a part of a command
+ *     usage           tells how many handles and bytes this program has in use
  *
  * Usage: driver HOME
  */
@@ -16,8 +18,9 @@
 #include <string.h>
 
 #include "kovadx.h"
+#include "programs/startxd/driver_usage.h"
 
-enum { kLongestLine = 1000 };
+enum { kEndOfCases = 23, kLongestLine = 1000 }; /* The first is what NextCase returns behind the last case. */
 
 /* What stands behind the beginning; null when the line does not begin so. */
 static const char* after(const char* line, const char* beginning) {
@@ -29,6 +32,15 @@ static void answerNumber(int (*function)(int*)) {
   int code = 0;
   const int number = function(&code);
   printf("> %d %d\n", code, number);
+}
+
+static int countCases(int* code) {
+  int number = 0;
+  *code = MakeCaseCursor("r");
+  while (*code == 0 && (*code = NextCase()) == 0) ++number;
+  const int removed = RemoveCaseCursor();
+  if (*code == kEndOfCases) *code = removed;
+  return number;
 }
 
 static void stop(void) {
@@ -61,6 +73,10 @@ static void perform(const char* line, const char* home) {
     answerNumber(GetVariableCount);
   } else if (strcmp(line, "rows") == 0) {
     answerNumber(GetRowCount);
+  } else if (strcmp(line, "cases") == 0) {
+    answerNumber(countCases);
+  } else if (strcmp(line, "usage") == 0) {
+    printf("> %d %d\n", usedHandles(), usedBytes());
   } else {
     printf("> unknown: %s\n", line);
   }
