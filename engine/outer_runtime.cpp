@@ -15,10 +15,12 @@
 namespace kova::engine {
 namespace {
 
-// The console goes on when its package can not be loaded, and nothing that follows would tell: no run would do
-// anything.
+// The console goes on when its package can not be loaded, or could make nothing of the set-up, and nothing that follows
+// would tell: no run would do anything.
 constexpr const char* kEndWithoutPackage =
-    "tryCatch(library(kovastatistics), error = function(e) { message(conditionMessage(e)); quit(status = 3) })\n";
+    "tryCatch({ library(kovastatistics); "
+    "if (!kovastatistics:::console$isChild) stop('initRProcess() has not been run') }, "
+    "error = function(e) { message(conditionMessage(e)); quit(status = 3) })\n";
 
 }  // namespace
 

@@ -23,7 +23,7 @@ LEVELS = {
 }
 BACKENDS = (
     "src/platform/win32/", "src/platform/posix/", "runtimes/python/libpython_posix.cpp", "programs/kovadx/kill_shim.cpp",
-    "packages/r/kovastatistics/src/session.c")
+    "packages/r/kovastatistics/src/console.c", "packages/r/kovastatistics/src/session.c")
 MAY_TEST_PLATFORM = BACKENDS + ("src/export.h", "src/api/kovadx.h", "src/api/kovadx_runtime.h", "tests/kit/")
 SYSTEM_HEADER = re.compile(
     r"^\s*#\s*include\s*<((?:[a-z0-9_]+/)*(?:windows|winsock2?|ws2tcpip|io|process|direct|share|unistd|dlfcn|fcntl|poll|"

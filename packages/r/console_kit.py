@@ -4,6 +4,7 @@ drives it.
 import os
 import pathlib
 import re
+import select
 import shlex
 import subprocess
 import sys
@@ -38,6 +39,8 @@ class Console:
         """What the console writes up to its prompt, and the prompt. All it has written when it ends without one."""
         text = b""
         while not prompt.search(text):
+            if not select.select([self.answers], [], [], PATIENCE)[0]:
+                raise AssertionError(f"R waits, having written {text!r}")
             chunk = os.read(self.answers.fileno(), 4096)
             if not chunk:
                 return text.decode(), ""

@@ -189,13 +189,65 @@ class WhatScriptsDoToTheConsole(RTest):
             self.assertEqual(console.say(statement), ("", "> "))
         self.assertEqual(self.shown(), "one\ntwo\n")
 
+    def check_shown(self, console, rows):
+        for statement, expected in rows:
+            with self.subTest(statement=statement):
+                before = len(self.shown())
+                self.assertEqual(console.say(statement), ("", "> "))
+                self.assertEqual(self.shown()[before:], expected)
+
     def test_questions_are_not_asked(self):
         console = self.begun_console()
-        for statement in ("x <- readline('Name? ')", "y <- scan(quiet = TRUE)", "z <- scan(text = '1 2', quiet = TRUE)",
-                          "menu(c('a', 'b'))", "str(list(x, y, z))"):
-            self.assertEqual(console.say(statement), ("", "> "), statement)
-        self.assertEqual(self.shown().splitlines()[:2], ["Name? ", "Error in menu(c(\"a\", \"b\")) : "])
-        self.assertIn(' $ : chr ""\n $ : num(0) \n $ : num [1:2] 1 2\n', self.shown())
+        self.check_shown(console, (
+            ("readline('Name? ')", 'Name? \n[1] ""\n'),
+            ("base::readline()", '[1] ""\n'),
+            ("readline('> ')", '> \n[1] ""\n'),
+            ("scan(quiet = TRUE)", "1: \nnumeric(0)\n"),
+            ("scan(text = '1 2', quiet = TRUE)", "[1] 1 2\n"),
+            ("menu(c('a', 'b'))", "\n1: a\n2: b\n\nSelection: \n[1] 0\n"),
+            ("utils::askYesNo('really?')", "really? (Yes/no/cancel) \n[1] TRUE\n"),
+            ("file.choose()", "Enter file name: \nError in file.choose() : file choice cancelled\n"),
+            ("select.list(c('a', 'b'), graphics = FALSE)", '\n1: a\n2: b\n\nSelection: \n[1] ""\n'),
+            ("select.list('a', multiple = TRUE, graphics = FALSE)",
+             "\n1:   a\n\nEnter one or more numbers separated by spaces and then ENTER, or 0 to cancel\n1: \n"
+             "character(0)\n"),
+            ("edit(1)", "Error: there is nobody to edit it\n"),
+            ("options(error = recover)", ""),
+            # The option has taken the place of what posts the output behind an error.
+            ("(function() stop('no'))()", ""),
+            ("5", "Error in (function() stop(\"no\"))() : no\n\nEnter a frame number, or 0 to exit   \n\n"
+                  "1: (function() stop(\"no\"))()\n\nSelection: \n[1] 5\n")))
+        self.assertEqual(console.end("quit('ask')"), ("Save workspace image? [y/n/c]: \n", 1))
+
+    def test_a_menu_in_another_language(self):
+        console = self.begun_console(LANGUAGE="de")
+        self.check_shown(console, [("menu('a')", "\n1: a\n\nAuswahl: \n[1] 0\n")])
+
+    def test_the_standard_input_is_empty(self):
+        console = self.begun_console()
+        self.check_shown(console, (
+            ("readLines(stdin())", "character(0)\n"),
+            ("readLines(stdin(), n = 1)", "character(0)\n"),
+            ("readLines('stdin')", "character(0)\n"),
+            ("scan('stdin', quiet = TRUE)", "numeric(0)\n"),
+            ("readLines(file('/dev/stdin', raw = TRUE))", "character(0)\n"),
+            ("system('cat', intern = TRUE)", "character(0)\n"),
+            ("system('cat')", ""),
+            ("readLines(pipe('cat'))", "character(0)\n"),
+            ("cat('after\\n')", "after\n")))
+
+    # The statement that the engine types when a program has printed the prompt for the rest of one.
+    def test_the_end_of_a_statement_that_is_not_open(self):
+        console = self.begun_console()
+        self.check_shown(console, (("END", ""), ("(END)", "Error: object 'END' not found\n"), ("END <- 4", ""),
+                                   ("END", "[1] 4\n"), ("rm(END)", ""), ("prekova()", ""), ("END", "")))
+        self.assertEqual(console.end(), ("", 0))
+
+    def test_a_stack_that_is_used_up(self):
+        console = self.begun_console()
+        for statement in ("f <- function() f(); f()", "cat('after\\n')"):
+            self.assertEqual(console.say(statement), ("", "> "))
+        self.assertRegex(self.shown(), r"(?s)\AError: .*(infinite recursion|stack).*\nafter\n\Z")
 
 
 class Scripts(RTest):
@@ -242,6 +294,22 @@ class Scripts(RTest):
     def test_a_syntax_error(self):
         self.assertEqual(self.run_script("cat('one\\n')", "x = = 1"),
                          ("one\nError: script.R:2:5: unexpected '='\n1: cat('one\\n')\n2: x = =\n       ^\n", 1))
+
+    def test_the_debugger_goes_on(self):
+        self.assertEqual(self.run_script("f <- function() { browser(); cat('in f\\n'); 3 }", "f()", "debug(f)", "f()",
+                                         "cat('end\\n')"),
+                         ("Called from: f()\nin f\n[1] 3\ndebugging in: f()\ndebug: {\n    browser()\n    cat(\"in f\\n\")"
+                          "\n    3\n}\nCalled from: f()\nin f\nexiting from: f()\n[1] 3\nend\n", 0))
+
+    def test_questions_are_not_asked(self):
+        self.assertEqual(self.run_script("readline('Name? ')", "utils::menu('a')", "readLines('stdin')", "system('cat')"),
+                         ('Name? \n[1] ""\n\n1: a\n\nSelection: \n[1] 0\ncharacter(0)\n', 0))
+
+    def test_a_script_in_a_script(self):
+        inner = self.scratch / "inner.R"
+        inner.write_text("browser()\ncat('inner\\n')\n")
+        self.assertEqual(self.run_script(f"kovastatistics::runScript('{inner}')", "browser()", "cat('end\\n')"),
+                         ("Called from: top level \ninner\nCalled from: top level \nend\n", 0))
 
     def test_its_own_status(self):
         console = self.begun_console()

@@ -9,16 +9,21 @@
 
 namespace kova::program {
 
-// Tells on the error stream why, in one line, and ends this process with all that it has started. Any thread; of those
-// that call at the same time one tells.
+// Tells on the error stream, in one line, that and why this process ends with all that it has started. Nobody needs to
+// read it.
+void tellEnd(const std::string& why);
+
+// Tells so, and ends this process with all that it has started. Any thread; of those that call at the same time one
+// tells.
 [[noreturn]] void endWithChildren(const std::string& why);
 
-// Watches the process that has started this one, on a thread of its own, and does the above when it has ended. The
-// program's main function owns it.
+// Watches the process that has started this one, on a thread of its own, and has this one end when that one has ended.
+// The program's main function owns it.
 class ParentGuard {
  public:
-  // `why` begins with this program's name and names the other one.
-  explicit ParentGuard(const std::string& why);
+  // `why` begins with this program's name and names the other one. `end` is called on the guard's thread and may
+  // return.
+  explicit ParentGuard(const std::string& why, void (*end)(const std::string& why) = &endWithChildren);
   ParentGuard(const ParentGuard&) = delete;
   ParentGuard& operator=(const ParentGuard&) = delete;
   ~ParentGuard();

@@ -93,6 +93,49 @@ class LastWords(LanguageTest):
         self.check_the_next_run_tidies_up()
 
 
+class ConsoleOfR(LanguageTest):
+    """What could keep R's console from its next prompt."""
+
+    def run_lines(self, *lines, **others):
+        script = self.scratch / "script.R"
+        script.write_text("".join(line + "\n" for line in lines), encoding="utf-8")
+        return self.run_file(script, **others)
+
+    def test_quotes_in_the_temporary_folder(self):
+        for name in ("it's a", "'", 'a "b"', "a\\'b"):
+            with self.subTest(name=name):
+                folder = self.scratch / name
+                folder.mkdir()
+                self.assertEqual(self.run_script("calls", "--data", PENGUINS, variables={"KOVADXTEMP": str(folder)}),
+                                 (0, ["7"], []))
+
+    def test_a_crash(self):
+        for number in (signal.SIGSEGV, signal.SIGBUS, signal.SIGILL):
+            with self.subTest(number=number):
+                begun = time.monotonic()
+                self.assertEqual(self.run_lines("cat('before\\n')", f"tools::pskill(Sys.getpid(), {number:d})"),
+                                 (128 + number, ["before"], [
+                                     f"kovadx: the script was cut short: its process was ended by signal {number:d}"]))
+                # R begins, which takes it some time, and ends.
+                self.assertLess(time.monotonic() - begun, 2 + FATE_IS_KNOWN)
+
+    def test_the_debugger(self):
+        self.assertEqual(self.run_lines("f <- function() { browser(); cat('in f\\n'); 3 }", "f()", "cat('end\\n')"),
+                         (0, ["Called from: f()", "in f", "[1] 3", "end"], []))
+
+    def test_questions(self):
+        self.assertEqual(self.run_lines("readline('Name? ')", "readLines('stdin')", "system('cat')", "quit('ask')"),
+                         (0, ["Name? ", '[1] ""', "character(0)"], []))
+        code, output, errors = self.run_lines("options(error = recover)", "stop('no')")
+        self.assertEqual((code, output[0], output[-1], errors), (1, "Error: no", "Selection: ", []))
+
+    def test_what_looks_like_a_prompt(self):
+        for prompt in ("+ ", "> "):
+            with self.subTest(prompt=prompt):
+                self.assertEqual(self.run_lines(f"system(\"printf '{prompt}'\")", "Sys.sleep(1)", "cat('fine\\n')"),
+                                 (0, ["fine"], []))
+
+
 class ProcessesOfTheScript(LanguageTest):
     """What a script has started belongs to its process."""
 
@@ -124,16 +167,32 @@ class ProcessesOfTheScript(LanguageTest):
         self.assertEqual(self.end_of(process)[::2], (137, [KILLED]))
         self.wait_until_gone(killed)
 
-
-class ProcessesThatOutlastTheEngine(ProcessesOfTheScript):
-    """Only a process that watches the engine itself takes its own along when the engine ends without ending it."""
-
     def test_an_interrupt(self):
         process, _ = self.start_with_process()
         interrupted = time.monotonic()
         process.send_signal(signal.SIGINT)
         self.assertEqual(self.end_of(process)[0], 130)
         self.wait_until_gone(interrupted)
+        self.check_the_next_run_tidies_up()
+
+
+class ProcessesThatOutlastTheEngine(ProcessesOfTheScript):
+    """Only a process that watches the engine itself takes its own along when the engine ends without ending it."""
+
+    def test_a_script_that_ends_without_its_engine(self):
+        process, _ = self.start_script("outlives")
+        killed = time.monotonic()
+        process.kill()
+        self.wait_until_gone(killed)
+        self.assertEqual((self.scratch / "outlives.py.kept").read_text(), "kept\n")
+        self.check_the_next_run_tidies_up()
+
+    def test_nobody_reads_what_is_told(self):
+        process, _ = self.start_with_process()
+        process.stderr.close()
+        killed = time.monotonic()
+        process.kill()
+        self.wait_until_gone(killed)
         self.check_the_next_run_tidies_up()
 
     def test_the_engine_is_killed(self):
@@ -147,4 +206,4 @@ class ProcessesThatOutlastTheEngine(ProcessesOfTheScript):
 if __name__ == "__main__":
     LanguageTest.language = chosen_language()
     of_processes = ProcessesThatOutlastTheEngine if LanguageTest.language is Python else ProcessesOfTheScript
-    run_tests([], [Scripts, Ends, of_processes, *([LastWords] if LanguageTest.language is R else [])])
+    run_tests([], [Scripts, Ends, of_processes, *([LastWords, ConsoleOfR] if LanguageTest.language is R else [])])

@@ -153,6 +153,30 @@ class MissingForR(MissingPrograms):
         self.assertRegex(errors[0], self.not_run(99104) + r".+ Its process ended with exit code 3\.\Z")
         self.assertRegex(errors[1], "kovastatistics")
 
+    # A list of folders is how R is told of its packages.
+    def test_a_home_folder_that_r_can_not_be_told(self):
+        home = self.own_home
+        for name in ("it's", 'a"b', "a:b"):
+            with self.subTest(name=name):
+                self.own_home = self.scratch / name
+                self.own_home.symlink_to(home)
+                self.assertEqual(self.run_script("prints"), (125, [], [
+                    f"kovadx: the home folder's name has a character that R can not be told: {self.own_home}; move it to a "
+                    "folder without quotes and ':' in its name"]))
+
+    def test_a_home_folder_with_other_letters(self):
+        home = self.own_home
+        self.own_home = self.scratch / "größe, #1 $HOME {b} %c"
+        self.own_home.symlink_to(home)
+        self.assertEqual(self.run_script("prints"), (0, ["one", "two"], []))
+
+    def test_a_set_up_that_does_nothing(self):
+        profile = self.scratch / "profile.R"
+        profile.write_text("initRProcess <- function(...) invisible()\n")
+        code, output, errors = self.run_script("prints", variables={"R_PROFILE_USER": str(profile)})
+        self.assertEqual((code, output, errors[1:]), (125, [], ["initRProcess() has not been run"]))
+        self.assertRegex(errors[0], self.not_run(99104) + r".+ Its process ended with exit code 3\.\Z")
+
     def test_a_package_without_the_library(self):
         source = kovadx_kit.options.home / "R" / "rpackage" / "kovastatistics"
         shutil.copytree(source, self.own_folder("R") / "rpackage" / "kovastatistics")
@@ -185,6 +209,22 @@ class MissingForJava(MissingPrograms):
         self.assertEqual((code, output), (2, []))
         self.assertEqual(errors, [f"kovajavaplugin: System.load: 99114 RuntimeNotLoaded. Can't load library: "
                                   f"{self.own_home / 'libkovajni.so'}"])
+
+    def test_a_place_that_can_not_be_told(self):
+        script = self.language.write(self, "prints")
+        for place, problem in (("My Prints.jar", "a blank in its name"), ("My\tPrints.jar", "a tab in its name"),
+                               ('Q"x.jar', 'a " in its name'), ("a;b/Prints.jar", "a ; in its folder"),
+                               ("a:b/Prints.jar", "a : in its path"), ("a:b.jar", "a : in its path")):
+            with self.subTest(place=place):
+                path = self.scratch / place
+                path.parent.mkdir(exist_ok=True)
+                shutil.copy(script, path)
+                self.assertEqual(self.run_file(path), (125, [], [
+                    f"kovadx: Java can not be given the extension {path} with {problem}; rename or move it"]))
+        home = self.own_home.rename(self.own_home.with_name("a:home"))
+        self.own_home = home
+        self.assertEqual(self.run_file(script), (125, [], [
+            f"kovadx: Java can not be given the extension {script} with a : in the home folder, {home}; rename or move it"]))
 
     def test_a_jar_without_the_command(self):
         script = self.language.write(self, "prints")
@@ -329,7 +369,7 @@ class ConsoleOfR(ProgramTest):
         typed = self.typed()
         pid = typed[1].split("'")[5]
         self.assertRegex(pid, r"\A[0-9a-f]{4,}\Z")
-        self.assertRegex(typed[2], r"\AtryCatch\(library\(kovastatistics\), ")
+        self.assertRegex(typed[2], r"\AtryCatch\(\{ library\(kovastatistics\); ")
         del typed[2]
         self.assertEqual(typed, ["library(kovastatistics)", f"initRProcess('LOCAL', '{self.scratch}', '{pid}', 'R')",
                                  "prekova()", f'kovastatistics::runScript("{self.scratch / "prints.R"}")', "postkova()",

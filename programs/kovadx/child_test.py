@@ -12,8 +12,12 @@ from kovadx_kit import PATIENCE, PENGUINS, run_tests, wait_until
 from script_test import ScriptTest
 
 # The two limits that are promised, and what a busy machine may add.
-FATE_IS_KNOWN = 1 + 2
-CHILD_IS_GONE = 2 + 2
+FATE_IS_KNOWN = 1 + 1
+CHILD_IS_GONE = 2 + 1
+
+
+# One line of the child's, which tells by what it has learnt it.
+ENGINE_GONE = r"\Astartx: .+; this process ends with all that it has started\Z"
 
 
 def processes_with(text):
@@ -135,6 +139,47 @@ class Children(ChildTest):
 
 
 class PosixChildren(ChildTest):
+    def kill_engine(self, process):
+        """What the child tells then."""
+        killed = time.monotonic()
+        process.kill()
+        wait_until(lambda: self.children() == [], "the child ends")
+        self.assertLess(time.monotonic() - killed, CHILD_IS_GONE)
+        return process.stderr.read().splitlines()
+
+    def configure(self, before, after):
+        path = self.own_home / "kovadxcfg.ini"
+        path.write_text(path.read_text().replace(before, after))
+
+    def test_a_script_that_ends_without_its_engine(self):
+        self.configure("[SUPPORTED_LANG]\n", f"[SUPPORTED_LANG]\nTRACE={self.scratch}\n")
+        process = self.start(*self.arguments("ECHO", self.script(*["variables"] * 2000), "--data", PENGUINS))
+        for _ in range(10):
+            self.assertEqual(process.stdout.readline(), "7\n")
+        errors = self.kill_engine(process)
+        self.assertRegex("\n".join(errors), ENGINE_GONE)
+        traced = (self.scratch / "ECHO_trace.log").read_text().splitlines()
+        for step in ("post_action", "stop_embedded_x"):
+            self.assertTrue(any(f"StatisticsX::{step} error code : 0." in line for line in traced), traced[-20:])
+        self.configure(f"TRACE={self.scratch}\n", "")
+        self.check_the_next_run_tidies_up()
+
+    def test_a_script_that_does_not_end_without_its_engine(self):
+        process = self.start(*self.arguments("ECHO", self.script("begun", "forever")))
+        self.assertEqual(process.stdout.readline(), "begun\n")
+        errors = self.kill_engine(process)
+        self.assertRegex("\n".join(errors), ENGINE_GONE)
+        self.check_the_next_run_tidies_up()
+
+    def test_a_child_that_can_not_make_its_pipes(self):
+        self.configure("[ECHO]\n", "[ECHO]\nKOVA_PIPE_DIR=/nowhere/pipes\n")
+        code, output, errors = self.run_script("ECHO", "x")
+        self.assertEqual((code, output, len(errors)), (125, [], 2), errors)
+        # Which of its pipes fails first is left to chance.
+        self.assertRegex(errors[0], r"\Astartx: the engine can not be reached by its pipes|"
+                                    r"\Astartx: the engine's control pipe can not be reached \(error 99104\)")
+        self.assertRegex(errors[1], r"\Akovadx: can not run the script in ECHO, error ")
+
     def fake_startx(self, *lines):
         """A program of the stated name, which is looked for first."""
         program = self.own_home / "startx.exe"

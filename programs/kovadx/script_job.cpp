@@ -33,9 +33,19 @@ std::string quotedForR(const std::string& text) {
   return quoted + "\"";
 }
 
+// R is told of its packages by a list of folders, out of which it takes quotes.
+bool canBeToldToR(const std::string& folder) {
+  return folder.find_first_of(std::string("'\"") + os::kListSeparator) == std::string::npos;
+}
+
 std::optional<std::vector<std::string>> prepareForR(const RunOptions& options, const std::string& home) {
   std::vector<std::string> lines;
   if (!readScript(options.script, &lines)) return std::nullopt;
+  if (!canBeToldToR(home)) {
+    printError("the home folder's name has a character that R can not be told: " + home +
+               "; move it to a folder without quotes and '" + os::kListSeparator + "' in its name");
+    return std::nullopt;
+  }
   const std::string package =
       home + os::kPathSeparator + "R" + os::kPathSeparator + "rpackage" + os::kPathSeparator + "kovastatistics";
   if (!std::filesystem::is_directory(package)) {
@@ -50,11 +60,30 @@ std::optional<std::vector<std::string>> prepareForR(const RunOptions& options, c
   return std::vector<std::string>{statement};
 }
 
-std::optional<std::vector<std::string>> prepareForJava(const RunOptions& options) {
+// Java gets the name on its command line, without quotes, and the paths in lists. What those can not carry, if
+// anything.
+std::optional<std::string> notForJava(const std::filesystem::path& jar, const std::string& home) {
+  const auto has = [](const std::string& text, char c) { return text.find(c) != std::string::npos; };
+  const std::string name = jar.stem().string();
+  const std::string separator(1, os::kListSeparator);
+  if (has(name, ' ')) return "a blank in its name";
+  if (has(name, '\t')) return "a tab in its name";
+  if (has(name, '"')) return "a \" in its name";
+  if (has(jar.parent_path().string(), ';')) return "a ; in its folder";
+  if (has(jar.string(), os::kListSeparator)) return "a " + separator + " in its path";
+  if (has(home, os::kListSeparator)) return "a " + separator + " in the home folder, " + home;
+  return std::nullopt;
+}
+
+std::optional<std::vector<std::string>> prepareForJava(const RunOptions& options, const std::string& home) {
   std::error_code absent;
   const std::filesystem::path jar = fullPath(options.script);
   if (jar.extension() != ".jar" || !std::filesystem::is_regular_file(jar, absent)) {
     printError("no such extension: " + options.script + "; name its .jar file");
+    return std::nullopt;
+  }
+  if (const auto problem = notForJava(jar, home)) {
+    printError("Java can not be given the extension " + jar.string() + " with " + *problem + "; rename or move it");
     return std::nullopt;
   }
   return std::vector<std::string>{};
@@ -78,7 +107,7 @@ bool runsAsChild(const RunOptions& options) {
 bool endsWithResult(const RunOptions& options) { return options.language == kR || options.language == kJava; }
 
 std::optional<std::vector<std::string>> prepareScript(const RunOptions& options, const std::string& home) {
-  if (runsAsChild(options) && options.language == kJava) return prepareForJava(options);
+  if (runsAsChild(options) && options.language == kJava) return prepareForJava(options, home);
   if (runsAsChild(options) && options.language == kR) return prepareForR(options, home);
   std::vector<std::string> lines;
   if (!readScript(options.script, &lines)) return std::nullopt;

@@ -9,6 +9,7 @@
 #include "engine/inner_runtime.h"
 #include "engine/outer_runtime.h"
 #include "engine/text_rules.h"
+#include "host/OutpStatisticsX.h"
 #include "message/error_codes.h"
 #include "platform/os/error.h"
 #include "platform/os/file.h"
@@ -84,16 +85,18 @@ Outcome performRun(HostedRuntime& runtime, OuterRuntime* outer, const std::vecto
   return outcome;
 }
 
-// Nobody can take the thread from a script that does not end.
-[[noreturn]] void leave() {
+// Nobody can take the thread from a script that does not end. startx sees this end and ends with what it has started,
+// and gives the script a moment; R and Java would leave that behind.
+[[noreturn]] void leave(const RunOptions& options) {
   printError("the script was ended while it ran");
   std::fflush(stdout);
+  if (runsAsChild(options) && endsWithResult(options)) OutpStatisticsX::terminateChildren();
   std::_Exit(kInterrupted);
 }
 
-Outcome waitForScript(std::future<Outcome>& run, const std::atomic<bool>& endRequested) {
+Outcome waitForScript(const RunOptions& options, std::future<Outcome>& run, const std::atomic<bool>& endRequested) {
   while (run.wait_for(kLook) != std::future_status::ready) {
-    if (endRequested && run.wait_for(kOwnEnd) != std::future_status::ready) leave();
+    if (endRequested && run.wait_for(kOwnEnd) != std::future_status::ready) leave(options);
   }
   return run.get();
 }
@@ -160,7 +163,7 @@ std::optional<int> runScript(const RunOptions& options, const std::string& home,
   });
   auto* const outer = dynamic_cast<OuterRuntime*>(runtime.get());
   std::future<Outcome> run = std::async(std::launch::async, [&] { return performRun(*runtime, outer, lines); });
-  const Outcome outcome = waitForScript(run, endRequested);
+  const Outcome outcome = waitForScript(options, run, endRequested);
   engine->onBlock({});
   if (!outcome.wasRun) return tellNotRun(options, outcome);
   return resultOf(options, outcome);

@@ -19,6 +19,7 @@
 #include "host/sync_syntax.h"
 #include "platform/os/error.h"
 #include "programs/common/parent_guard.h"
+#include "programs/startx/engine_loss.h"
 #include "transport/DXCmdDispatcher.h"
 #include "transport/MonitorThread.h"
 #include "transport/XPipeManager.h"
@@ -26,7 +27,7 @@
 
 namespace {
 
-using kova::program::endWithChildren;
+using kova::program::loseEngine;
 
 constexpr int kWrongUse = 2;
 constexpr int kUnexpected = 125;
@@ -47,18 +48,20 @@ class Commands : public StartXDispatcherVisitor {
   bool isToldToStop_ = false;
 };
 
-void onEngineVanished(MonitorThread*) { endWithChildren("startx: the engine has gone without a word"); }
+void onEngineVanished(MonitorThread*) { kova::program::loseEngineOfPipe(); }
 
 // The thread of the engine's commands.
 void takeCommands(DXCmdDispatcher* dispatcher, const std::string& language) {
   const int connected = dispatcher->connectPeer();
   if (connected != 0 && connected != static_cast<int>(kova::os::kPipeConnected)) {
-    endWithChildren("startx: the engine's control pipe can not be reached (error " + std::to_string(connected) + ")");
+    loseEngine("startx: the engine's control pipe can not be reached (error " + std::to_string(connected) + ")");
+    return;
   }
+  kova::program::noteEngineReached();
   Commands commands(language);
   const int ended = dispatcher->receiveCmd(&commands);
   if (!commands.isToldToStop()) {
-    endWithChildren("startx: the engine's commands have ended (error " + std::to_string(ended) + ")");
+    loseEngine("startx: the engine's commands have ended (error " + std::to_string(ended) + ")");
   }
 }
 
@@ -77,9 +80,26 @@ void serve(const std::string& language) {
   DXCmdDispatcher* const dispatcher = suite->getCmdDispatcher(true);
   const std::unique_ptr<CmdKovaDX> runner = ownRunner(language);
   GSetUseSyncDx(runner != nullptr);
-  std::thread control(takeCommands, dispatcher, language);
-  if (runner) runner->invokeX();
-  control.join();
+  if (kova::program::beginToServe(dispatcher)) {
+    std::thread control(takeCommands, dispatcher, language);
+    if (runner) runner->invokeX();
+    control.join();
+  }
+  kova::program::endServing();
+}
+
+// The exit code.
+int runProcess(int count, char** words) {
+  try {
+    const kova::program::ParentGuard guard("startx: the engine has ended", &loseEngine);
+    InitXProcess(words[1], words[2], words[3], words[4], count > 5 ? words[5] : "");
+    serve(words[4]);
+    FinalizeDXGlobal();
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "startx: failed unexpectedly: %s\n", error.what());
+  }
+  return kUnexpected;
 }
 
 }  // namespace
@@ -91,14 +111,7 @@ int main(int count, char** words) {
                  "LANGUAGE [LANGUAGE_HOME]\n");
     return kWrongUse;
   }
-  try {
-    const kova::program::ParentGuard guard("startx: the engine has ended");
-    InitXProcess(words[1], words[2], words[3], words[4], count > 5 ? words[5] : "");
-    serve(words[4]);
-    FinalizeDXGlobal();
-    return 0;
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "startx: failed unexpectedly: %s\n", error.what());
-  }
-  return kUnexpected;
+  const int code = runProcess(count, words);
+  kova::program::endAfterLoss();
+  return code;
 }

@@ -1,11 +1,14 @@
 #include "host/OutpStatisticsX.h"
 
 #include <cstdint>
+#include <mutex>
+#include <set>
 #include <string_view>
 #include <utility>
 
 #include "config/XCmdArgument.h"
 #include "config/XConfigOptions.h"
+#include "config/never_destroyed.h"
 #include "config/process_values.h"
 #include "config/text_utilities.h"
 #include "host/child_environment.h"
@@ -43,7 +46,35 @@ constexpr std::uint32_t kTestPauseMs = 100;
 constexpr int kJavaLookMs = 50;
 constexpr std::uint32_t kLookMs = 100;
 
+// A path between single quotes, as R reads it.
+std::string quotedForR(const std::string& path) {
+  std::string quoted = "'";
+  for (const char c : transPath(path)) quoted += c == '\'' ? "\\'" : std::string(1, c);
+  return quoted + "'";
+}
+
 }  // namespace
+
+// The processes of all hosts, for the one who ends them on a thread of its own. A process is added once it is there,
+// and taken out before it goes.
+struct OutpStatisticsX::Processes {
+  std::mutex mutex;
+  std::set<os::Process*> present;
+
+  void add(os::Process* process) {
+    const std::lock_guard hold(mutex);
+    present.insert(process);
+  }
+  void remove(os::Process* process) {
+    const std::lock_guard hold(mutex);
+    present.erase(process);
+  }
+};
+
+OutpStatisticsX::Processes& OutpStatisticsX::processes() {
+  static NeverDestroyed<Processes> theProcesses;
+  return theProcesses.object();
+}
 
 struct OutpStatisticsX::Child {
   std::string program;
@@ -51,6 +82,11 @@ struct OutpStatisticsX::Child {
   std::unique_ptr<PeerWatch> watch;
   std::optional<int> exitCode;
   RConsole console;
+
+  Child() = default;
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() { processes().remove(&process); }
 
   bool isActive() { return process && look(0) == os::kWaitTimeout; }
 
@@ -66,11 +102,13 @@ struct OutpStatisticsX::Child {
     exitCode.reset();
     program = start.program;
     if (os::Process::Start(start, &process) != os::kSuccess) return;
+    processes().add(&process);
     watch = std::make_unique<PeerWatch>(process.Id());
   }
 
   void close() {
     watch.reset();
+    processes().remove(&process);
     process = os::Process();
     console.close();
   }
@@ -94,7 +132,7 @@ std::optional<int> OutpStatisticsX::childExitCode(unsigned int patienceMs) {
 
 const std::string& OutpStatisticsX::lastConsoleOutput() const { return child_->console.lastOutput(); }
 
-bool OutpStatisticsX::isRConsole() const { return options_->XName() == "R"; }
+bool OutpStatisticsX::isRConsole() const { return !isJava_ && options_->XName() == "R"; }
 
 XPipeSuit* OutpStatisticsX::suite() const {
   XPipeManager* const manager = GetXPipeManager();
@@ -210,8 +248,8 @@ int OutpStatisticsX::shakeHandsWithR() {
   if (prompted != 0) return prompted;
   ask("library(kovastatistics)\n");
   const XPipeManager& manager = *GetXPipeManager();
-  const std::string statement = "initRProcess('" + getBackendProcessName() + "', '" + transPath(manager.getPipePath()) +
-                                "', '" + manager.getPipePid() + "', '" + options_->XName() + "')\n";
+  const std::string statement = "initRProcess('" + getBackendProcessName() + "', " + quotedForR(manager.getPipePath()) +
+                                ", '" + manager.getPipePid() + "', '" + options_->XName() + "')\n";
   return ask(statement.c_str());
 }
 
@@ -382,6 +420,12 @@ void OutpStatisticsX::endChild() {
 // Java that has not ended yet ends when its connection does.
 void OutpStatisticsX::closeJavaSocket() {
   if (isJava_ && GetJavaExtSocket() != nullptr) GetJavaExtSocket()->CloseSocket();
+}
+
+void OutpStatisticsX::terminateChildren() {
+  Processes& all = processes();
+  const std::lock_guard hold(all.mutex);
+  for (os::Process* const process : all.present) process->Terminate();
 }
 
 void OutpStatisticsX::abandonChild() {

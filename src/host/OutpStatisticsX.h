@@ -59,6 +59,10 @@ class KOVADX_API OutpStatisticsX : public StatisticsX {
   // The end of what R's console has shown since the last statement; empty for other languages.
   const std::string& lastConsoleOutput() const;
 
+  // Ends the children of all hosts of this process at once, with what they have started; their hosts find them ended.
+  // Any thread, at any time: for a process that can not wait for the thread that its host works on.
+  static void terminateChildren();
+
  protected:
   // Starts the child and waits until it answers. 0; the codes above; 99104, or what the control channel or R's set-up
   // gave. No child is left behind by a failure. A first argument of exactly "JavaExtension" starts Java.
@@ -84,7 +88,9 @@ class KOVADX_API OutpStatisticsX : public StatisticsX {
 
  private:
   struct Child;
+  struct Processes;
 
+  static Processes& processes();
   int stat_start_x();
   int start_x_process(int argc, char** argv);
   int stat_start_java();

@@ -128,12 +128,18 @@ TEST_F(JavaHost, OnlyTheExactWordIsJava) {
 }
 
 TEST_F(JavaHost, ALanguageOfAnyNameMayBeJava) {
-  XConfigOptions options("ECHO");
-  OpenHost host(&options, 1, true);
-  provideJava(1);
-  EXPECT_EQ(startJava(host), 0);
-  EXPECT_EQ(host.pre_action(), 0);
-  host.stop_embedded_x();
+  for (const char* name : {"ECHO", "R"}) {
+    SCOPED_TRACE(name);
+    XConfigOptions options(name);
+    OpenHost host(&options, 1, true);
+    provideJava(100);
+    EXPECT_EQ(startJava(host), 0);
+    const os::ProcessStart start = kova::fake::startedPrograms().back();
+    EXPECT_TRUE(start.input == nullptr && start.output == nullptr) << "it has no console";
+    EXPECT_EQ(host.pre_action(), 0);
+    EXPECT_EQ(host.stop_embedded_x(), 99104) << "it is told over the control channel, which it does not know";
+  }
+  EXPECT_EQ(kova::fake::callCount("BytePipeEnd::Create"), 0u);
 }
 
 // ---- Starts that fail
@@ -211,6 +217,19 @@ TEST_F(JavaHost, AProgramThatStillRunsEndsWithItsConnection) {
                                          "StatisticsX::stop_embedded_x error code : 99104."));
   EXPECT_EQ(kova::fake::openSockets(), 0u);
   EXPECT_EQ(kova::fake::callCount("Process::Terminate"), 0u);
+}
+
+TEST_F(JavaHost, AnotherThreadMayTerminateIt) {
+  OutpStatisticsX::terminateChildren();
+  provideJava(1);
+  ASSERT_EQ(startJava(host_), 0);
+  std::thread user([] { OutpStatisticsX::terminateChildren(); });
+  EXPECT_EQ(execute(host_, "x"), 0);
+  user.join();
+  EXPECT_EQ(host_.childExitCode(0), 137);
+  EXPECT_EQ(host_.stop_embedded_x(), 0);
+  OutpStatisticsX::terminateChildren();
+  EXPECT_EQ(kova::fake::callCount("Process::Terminate"), 1u) << "where there is a process";
 }
 
 TEST_F(JavaHost, DestructionStops) {

@@ -89,6 +89,13 @@ TEST_F(RHost, TheModeIsTold) {
   }
 }
 
+TEST_F(RHost, AFolderWithAQuoteInItsName) {
+  GetXPipeManager()->setPipePath("T:\\o'b");
+  r_.provide(kR);
+  EXPECT_EQ(start(host_), 0);
+  EXPECT_EQ(r_.statements.back(), "initRProcess('LOCAL', 'T:\\\\o\\'b', '1a2b', 'R')");
+}
+
 TEST_F(RHost, TheEnvironmentIsRs) {
   begin();
   EXPECT_EQ(os::GetEnvironment("R_HOME"), "C:\\R");

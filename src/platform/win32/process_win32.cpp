@@ -165,7 +165,10 @@ Error create(const ProcessStart& start, const Sources& sources, HANDLE job, PROC
   if (error != kSuccess) return error;
   STARTUPINFOEXA startup{};
   startup.StartupInfo.cb = sizeof(startup);
-  startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+  // A program that is talked to over its streams is given no window of its own to talk in.
+  const bool isTalkedTo = start.input != nullptr || start.output != nullptr;
+  startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES | (isTalkedTo ? STARTF_USESHOWWINDOW : 0);
+  startup.StartupInfo.wShowWindow = SW_HIDE;
   startup.StartupInfo.hStdInput = streams[0];
   startup.StartupInfo.hStdOutput = streams[1];
   startup.StartupInfo.hStdError = streams[2];
@@ -273,6 +276,9 @@ void EndWithChildren() {
   TerminateProcess(GetCurrentProcess(), kKilledExitCode);
   for (;;) Sleep(INFINITE);
 }
+
+// It never does anything else here.
+void OutliveOutput() {}
 
 Error SetEndRequestHandler(void (*handler)()) {
   const bool had = endRequestHandler.exchange(handler) != nullptr;

@@ -29,8 +29,9 @@ beginChild <- function(mode, temp, pid, language, patience) {
   }
   session$isJoined <- TRUE
   console$isChild <- TRUE
+  native("take_console")
   holdOptions()
-  maskConsoleFunctions()
+  maskQuit()
   # However R ends, what was printed before is shown.
   reg.finalizer(console, function(gone) try(postPrinted(andTheRest = TRUE), silent = TRUE), onexit = TRUE)
   NULL
@@ -39,7 +40,7 @@ beginChild <- function(mode, temp, pid, language, patience) {
 # Whatever a profile or a script has set.
 holdOptions <- function() {
   holdPrompts()
-  options(menu.graphics = FALSE, showErrorCalls = FALSE, error = noteError)
+  options(menu.graphics = FALSE, editor = refuseToEdit, showErrorCalls = FALSE, error = noteError)
 }
 
 holdPrompts <- function() {
@@ -48,32 +49,18 @@ holdPrompts <- function() {
   }
 }
 
-# In front of base R, in the console alone: quit() tells of a failed run, and the functions that would ask the user wait
-# for nobody. They answer as they do, or nearly so, where R is not interactive.
-maskConsoleFunctions <- function() {
-  masks <- list(q = consoleQuit, quit = consoleQuit, readline = consoleReadline, menu = consoleMenu, scan = consoleScan)
-  attach(masks, name = "kovastatistics:console", warn.conflicts = FALSE)
+# An editor would wait for its user.
+refuseToEdit <- function(...) stop("there is nobody to edit it", call. = FALSE)
+
+# In front of base R, in the console alone: quit() tells of a failed run.
+maskQuit <- function() {
+  attach(list(q = consoleQuit, quit = consoleQuit), name = "kovastatistics:console", warn.conflicts = FALSE)
 }
 
 consoleQuit <- function(save = "default", status = 0, runLast = TRUE) {
   if (missing(status) && console$hasFailed) status <- 1
   endPrinted()
   base::quit(save = save, status = status, runLast = runLast)
-}
-
-consoleReadline <- function(prompt = "") {
-  cat(prompt, "\n", sep = "")
-  ""
-}
-
-consoleMenu <- function(choices, graphics = FALSE, title = NULL) {
-  stop("menu() cannot be used: there is nobody to choose")
-}
-
-consoleScan <- function(file = "", ..., text) {
-  if (!missing(text)) return(base::scan(..., text = text))
-  if (identical(file, "")) return(base::scan(..., text = ""))
-  base::scan(file = file, ...)
 }
 
 prekova <- function() {

@@ -13,6 +13,7 @@ static const R_CallMethodDef routines[] = {
     ROUTINE(join, 2),
     ROUTINE(begin, 4),
     ROUTINE(is_ready, 1),
+    ROUTINE(take_console, 0),
     ROUTINE(count, 1),
     ROUTINE(variable_texts, 2),
     ROUTINE(variable_numbers, 2),

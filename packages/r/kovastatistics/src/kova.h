@@ -49,6 +49,11 @@ SEXP kova_value_labels(SEXP position, SEXP type);
 SEXP kova_missing_values(SEXP position, SEXP type);
 SEXP kova_read_cases(SEXP positions, SEXP expected, SEXP keeps_missing);
 
+SEXP kova_take_console(void);
+
+/* Whether a statement of a script is being evaluated: nobody types then. */
+bool kova_runs_script(void);
+
 SEXP kova_evaluate(SEXP call, SEXP environment);
 
 SEXP kova_post(SEXP bytes);
