@@ -73,8 +73,8 @@ function(kova_sources)
   target_sources(kova_core PRIVATE ${ARGN})
 endfunction()
 
-# Test sources alone: optimising and checking them took more than half of a build's time. What they test is optimised
-# and checked.
+# Test sources alone: optimising and checking them took more than half of a build's time. What they test has sources of
+# its own, which are optimised and checked.
 add_library(kova_test_flags INTERFACE)
 target_compile_options(kova_test_flags INTERFACE -O0)
 if(KOVA_SANITIZE MATCHES undefined)
@@ -86,7 +86,7 @@ target_link_libraries(kova_test_flags INTERFACE kova_flags)
 # needs.
 function(kova_precompile_test_headers target)
   if(NOT TARGET kova_test_headers)
-    file(WRITE "${CMAKE_BINARY_DIR}/test_headers.cpp" "int main() {}\n")
+    file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/test_headers.cpp" CONTENT "int main() {}\n")
     add_executable(kova_test_headers EXCLUDE_FROM_ALL "${CMAKE_BINARY_DIR}/test_headers.cpp")
     target_link_libraries(kova_test_headers PRIVATE kova_test_flags gmock)
     target_precompile_headers(kova_test_headers PRIVATE <gmock/gmock.h> <gtest/gtest.h> <filesystem> <fstream> <functional>

@@ -112,12 +112,9 @@ class ConsoleOfR(LanguageTest):
     def test_a_crash(self):
         for number in (signal.SIGSEGV, signal.SIGBUS, signal.SIGILL):
             with self.subTest(number=number):
-                begun = time.monotonic()
                 self.assertEqual(self.run_lines("cat('before\\n')", f"tools::pskill(Sys.getpid(), {number:d})"),
                                  (128 + number, ["before"], [
                                      f"kovadx: the script was cut short: its process was ended by signal {number:d}"]))
-                # R begins, which takes it some time, and ends.
-                self.assertLess(time.monotonic() - begun, 2 + FATE_IS_KNOWN)
 
     def test_the_debugger(self):
         self.assertEqual(self.run_lines("f <- function() { browser(); cat('in f\\n'); 3 }", "f()", "cat('end\\n')"),

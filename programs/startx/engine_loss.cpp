@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -67,7 +66,7 @@ void loseEngine(const std::string& why) {
     tellEnd(why);
     stopMain();
     stopCommands();
-  } catch (const std::system_error&) {
+  } catch (...) {
     os::EndWithChildren();
   }
 }

@@ -25,11 +25,11 @@ SMALLER = '{"name": "smaller", "resources": [{"name": "t", "path": "t.csv", "sch
 class Driver:
     """A driving program that does what it is told."""
 
-    def __init__(self, test):
+    def __init__(self, test, **more):
         start = [kovadx_kit.options.emulator] if kovadx_kit.options.emulator else []
         self.process = subprocess.Popen(
             [*start, str(test.own_home / test.file("driver")), test.path(test.own_home)], env=test.environment(),
-            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=test.errors, text=True, bufsize=1)
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=test.errors, text=True, bufsize=1, **more)
         self.shown = []
         test.addCleanup(self.close)
 
@@ -340,7 +340,7 @@ class Cycles(DrivenTest):
             for driver, _ in drivers:
                 look(driver)
         for driver, _ in drivers:
-            self.assertEqual(driver.end(), 0)  # Where leaks are looked for at the end, they make it another one.
+            self.assertEqual(driver.end(), 0)  # The address sanitizer makes it another one when it finds a leak.
         self.assertEqual(self.told(), [])
 
     def test_a_hundred_cycles_leave_nothing(self):
@@ -380,6 +380,18 @@ class PosixDriven(DrivenTest):
         self.assertEqual([told[0], *told[2:]], [f"[\\{str(self.scratch)[1:]}\\]".replace("/", "\\"), f"[{LISTED}]", "[one]",
                                                 "[two three]"])
         self.assertRegex(told[1], r"\A\[[0-9a-f]{4,}\]\Z")
+
+    def test_nobody_reads_what_the_engine_shows(self):
+        driver = Driver(self, restore_signals=False)  # It outlives its output, as this process does.
+        self.assertEqual(driver.start(UNLISTED, self.data()), "0")
+        driver.process.stdout.close()
+        driver.tell("submit help; help;")
+        saved = self.scratch / "saved.json"
+        driver.tell(f'submit save "{saved}";')
+        wait_until(saved.is_file, "the engine goes on")
+        driver.tell("stop")
+        self.check_no_engine_left()
+        self.assertEqual((driver.end(), self.told()), (0, []))
 
 
 if __name__ == "__main__":

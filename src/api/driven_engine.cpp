@@ -39,6 +39,7 @@ using namespace kova;
 
 constexpr int kEngineProgramMissing = 17;
 constexpr int kEngineNotStarted = 99107;
+constexpr int kBusy = 170;
 
 constexpr std::uint32_t kStartPauseMs = 500;
 constexpr std::uint32_t kCommandsPauseMs = 100;
@@ -50,6 +51,7 @@ struct DrivenEngine {
   os::Process process;
   std::unique_ptr<PeerWatch> watch;
   std::unique_ptr<CmdReceiveThread> commands;
+  bool wasSetUpBefore = false;  // The process-wide values were there: a start that fails leaves them.
 
   bool isActive() { return process && process.Wait(0, nullptr) == os::kWaitTimeout; }
 
@@ -178,16 +180,24 @@ void forgetEngine() {
 }
 
 // For an engine that is not to be talked to any more. Another one is reached over pipes of its own, and the process may
-// have another name and home by then. A block that the engine had this process run ends first: it uses the pipes. What
-// the process had set up before its engine came stays.
-void abandonEngine(bool wasSetUpBefore) {
+// have another name and home by then.
+void abandonEngine() {
   if (engine().process) engine().process.Terminate();
-  awaitCommandsEnd();
-  if (XManager* const manager = GetXManager()) manager->cleanup();
   closeSuite();
-  if (!wasSetUpBefore) FinalizeDXGlobal();
+  if (!engine().wasSetUpBefore) FinalizeDXGlobal();
   engine().awaitEnd();
   forgetEngine();
+}
+
+// Whether a block that the engine had this process run goes on: it uses the pipes, and nobody can end it.
+bool hasBlock() {
+  awaitCommandsEnd();
+  const XManager* const manager = GetXManager();
+  for (int pauses = 0; manager != nullptr && !manager->releaseRunners(); ++pauses) {
+    if (pauses == kMostCommandsPauses) return true;
+    os::SleepMs(kCommandsPauseMs);
+  }
+  return false;
 }
 
 int begin(const StartOptions& options) {
@@ -219,10 +229,14 @@ bool isInBlock() {
 
 // One that is there was never stopped, since it did not answer any more.
 int start(const StartOptions& options) {
-  if (engine().process) abandonEngine(false);
-  const bool wasSetUpBefore = IsDXGlobalInit();
+  if (engine().process) {
+    engine().process.Terminate();
+    if (hasBlock()) return kBusy;
+    abandonEngine();
+  }
+  engine().wasSetUpBefore = IsDXGlobalInit();
   const int code = begin(options);
-  if (code != 0) abandonEngine(wasSetUpBefore);
+  if (code != 0) abandonEngine();
   return code;
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "host/XManager.h"
 #include "tests/api/driven_test.h"
 #include "tests/host/engine_ends.h"
 #include "transport/DXCmdDispatcher.h"
@@ -66,8 +67,10 @@ class DrivenLanguage : public kova::DrivenTest {
     ends.send({"block"});
   }
 
-  // A life in which nothing is out of order.
+  // A life in which nothing is out of order. What a block of the one before takes to end counts here, and not in the
+  // time of this world, which passes at once.
   void expectGoodLife() {
+    while (GetXManager() != nullptr && !GetXManager()->releaseRunners()) std::this_thread::yield();
     EXPECT_EQ(StartKova(""), 0);
     EXPECT_EQ(Submit("x", 1), 0);
     StopKova();
@@ -179,6 +182,31 @@ TEST_F(DrivenLanguage, AnEngineThatDiesDuringABlockEndsItsCalls) {
   while (codeInBlock == -1) std::this_thread::yield();
   EXPECT_EQ(codeInBlock, 109);
   fakeRuntime().whileExecuting = nullptr;
+  life_.answers[0] = good;
+  expectGoodLife();
+}
+
+// From another thread or from the block itself, which nobody can end.
+TEST_F(DrivenLanguage, ThereIsNoStartWhileABlockOfADeadEngineRuns) {
+  std::atomic<bool> mayEnd = false;
+  std::atomic<int> codeInBlock = -1;
+  fakeRuntime().whileExecuting = [&mayEnd, &codeInBlock] {
+    codeInBlock = StartKova("");
+    while (!mayEnd) std::this_thread::yield();
+  };
+  const auto good = life_.answers[0];
+  life_.answers[0] = [this] {
+    kova::EngineEnds ends(base_ + "1");
+    beginBlock(ends);
+    return death();
+  };
+  ASSERT_EQ(StartKova(""), 0);
+  EXPECT_EQ(Submit("x", 1), 109);
+  while (codeInBlock == -1) std::this_thread::yield();
+  EXPECT_EQ(codeInBlock, 170);
+  fakeRuntime().whileExecuting = nullptr;
+  EXPECT_EQ(StartKova(""), 170);
+  mayEnd = true;
   life_.answers[0] = good;
   expectGoodLife();
 }

@@ -85,9 +85,12 @@ void DriveX::awaitEnd() {
   if (thread_ != nullptr) thread_->awaitEnd();
 }
 
+void DriveX::release() {
+  if (thread_ != nullptr && running_) releaseThread();
+}
+
 void DriveX::endThread() {
-  if (thread_ == nullptr) return;
-  if (running_) releaseThread();
+  release();
   thread_.reset();
 }
 

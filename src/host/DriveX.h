@@ -79,6 +79,9 @@ class KOVADX_API DriveX {
   // Waits, without limit, until the run on the runner's thread has ended; returns at once without one.
   void awaitEnd();
 
+  // Wakes the runner's thread where it waits for somebody who has not come; does nothing without one.
+  void release();
+
   // Releases the runner's thread and waits for its end; returns at once without one. Destructors of classes with a runX
   // of their own call it, since the thread must not find that gone.
   void endThread();

@@ -55,15 +55,16 @@ std::string quotedForR(const std::string& path) {
 
 }  // namespace
 
-// The processes of all hosts, for the one who ends them on a thread of its own. A process is added once it is there,
-// and taken out before it goes.
+// The processes of all hosts, for the one who ends them on a thread of its own, which meets none half started.
 struct OutpStatisticsX::Processes {
   std::mutex mutex;
   std::set<os::Process*> present;
 
-  void add(os::Process* process) {
+  bool start(const os::ProcessStart& start, os::Process* process) {
     const std::lock_guard hold(mutex);
+    if (os::Process::Start(start, process) != os::kSuccess) return false;
     present.insert(process);
+    return true;
   }
   void remove(os::Process* process) {
     const std::lock_guard hold(mutex);
@@ -101,8 +102,7 @@ struct OutpStatisticsX::Child {
   void start(const os::ProcessStart& start) {
     exitCode.reset();
     program = start.program;
-    if (os::Process::Start(start, &process) != os::kSuccess) return;
-    processes().add(&process);
+    if (!processes().start(start, &process)) return;
     watch = std::make_unique<PeerWatch>(process.Id());
   }
 

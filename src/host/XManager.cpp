@@ -1,5 +1,6 @@
 #include "host/XManager.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -59,6 +60,11 @@ void XManager::addKovaDX(DriveX* runner) {
 }
 
 DriveX* XManager::getBackKovaDX() const { return runners_.empty() ? nullptr : runners_.back().get(); }
+
+bool XManager::releaseRunners() const {
+  for (const auto& runner : runners_) runner->release();
+  return std::all_of(runners_.begin(), runners_.end(), [](const auto& runner) { return runner->isStopped(); });
+}
 
 void XManager::destoryKovaDX(DriveX* runner) {
   if (runner == nullptr || runner != getBackKovaDX()) return;

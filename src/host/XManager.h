@@ -40,6 +40,9 @@ class KOVADX_API XManager {
   // The runner at the back, owned by the registry; null when there is none.
   DriveX* getBackKovaDX() const;
 
+  // Wakes the runners' threads where they wait for somebody who has not come. False when a thread still runs.
+  bool releaseRunners() const;
+
   // Ends a run: lowers the index of the runner's pipes and deletes the runner. Only the one at the back; any other is
   // left alone. (sic)
   void destoryKovaDX(DriveX* runner);

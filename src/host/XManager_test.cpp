@@ -1,6 +1,8 @@
 #include "host/XManager.h"
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "tests/transport/traced_test.h"
@@ -50,6 +52,35 @@ TEST_F(XManagerTest, KeepsHostsByName) {
   EXPECT_EQ(manager_.getStatisticsX("PYTHON"), python);
   EXPECT_EQ(manager_.getStatisticsX("r"), nullptr);
   EXPECT_EQ(manager_.getStatisticsX("JAVA"), nullptr);
+}
+
+// A runner that goes on until somebody releases it.
+class Waiting : public DriveX {
+ public:
+  Waiting() : DriveX("R", nullptr, nullptr) {}
+  ~Waiting() override { endThread(); }
+
+ protected:
+  int runX() override {
+    while (!isReleased_) std::this_thread::yield();
+    return 0;
+  }
+  void releaseThread() override { isReleased_ = true; }
+
+ private:
+  std::atomic<bool> isReleased_ = false;
+};
+
+TEST_F(XManagerTest, ReleasesItsRunners) {
+  EXPECT_TRUE(manager_.releaseRunners());
+  manager_.addKovaDX(new DriveX("R", nullptr, nullptr));
+  EXPECT_TRUE(manager_.releaseRunners());
+  auto* const waiting = new Waiting;
+  manager_.addKovaDX(waiting);
+  ASSERT_EQ(waiting->startX(), 0);
+  manager_.releaseRunners();
+  waiting->awaitEnd();
+  EXPECT_TRUE(manager_.releaseRunners());
 }
 
 // A host that looks itself up when it is deleted.
