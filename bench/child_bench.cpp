@@ -1,9 +1,14 @@
 // An empty block of syntax in a runtime that is a process of its own, the echo runtime in the program startx, against
-// the messages alone that such a run takes, over a raw pair of the same kind of pipes to another process, in one run.
+// the messages alone that such a run takes, over a raw pair of the same kind of pipes to another process, in one run;
+// and against the same messages to a process that has the threads which a run has: one that is started for it, and one
+// on which the runtime lives.
 #include <benchmark/benchmark.h>
 
+#include <condition_variable>
 #include <cstring>
 #include <filesystem>
+#include <mutex>
+#include <thread>
 
 #include "api/InitDxGlobal.h"
 #include "bench_peer.h"
@@ -24,27 +29,88 @@ constexpr int kRuns = 200;
 // that tells the engine of the end of the block, and the answer; the block and its result; the command that ends the
 // run and its answer. So many replies come to each of four requests; whose requests they are makes no difference.
 constexpr int kReplies[] = {2, 1, 1, 1};
+constexpr int kOnThreads = -1;  // In place of the first request's number.
 constexpr int kRequestBytes = 60;
 constexpr int kReplyBytes = 56;
 
+// Does a thing on a thread of its own, which is there already.
+class Elsewhere {
+ public:
+  Elsewhere() : thread_([this] { work(); }) {}
+  Elsewhere(const Elsewhere&) = delete;
+  Elsewhere& operator=(const Elsewhere&) = delete;
+  ~Elsewhere() {
+    change(kEnded);
+    thread_.join();
+  }
+
+  void visit() {
+    change(kAsked);
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return state_ == kIdle; });
+  }
+
+ private:
+  enum State { kIdle, kAsked, kEnded };
+
+  void change(State state) {
+    const std::lock_guard lock(mutex_);
+    state_ = state;
+    changed_.notify_all();
+  }
+
+  void work() {
+    std::unique_lock lock(mutex_);
+    for (;;) {
+      changed_.wait(lock, [this] { return state_ != kIdle; });
+      if (state_ == kEnded) return;
+      state_ = kIdle;
+      changed_.notify_all();
+    }
+  }
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  State state_ = kIdle;
+  std::thread thread_;
+};
+
+// The same messages; the run's own thread takes two of the requests, one of them to the runtime's thread.
+bool serveOnThreads(const RawPair& pair, Elsewhere& runtime) {
+  char request[kRequestBytes];
+  const char reply[kReplyBytes] = {};
+  bool good = pair.send(reply, kReplyBytes);
+  std::thread run([&] {
+    good &= pair.send(reply, kReplyBytes) && pair.receive(request, kRequestBytes) > 0;
+    runtime.visit();
+    good &= pair.send(reply, kReplyBytes) && pair.receive(request, kRequestBytes) > 0;
+    good &= pair.send(reply, kReplyBytes);
+  });
+  run.join();
+  return good && pair.receive(request, kRequestBytes) > 0 && pair.send(reply, kReplyBytes);
+}
+
 void serveRaw(const RawPair& pair) {
+  Elsewhere runtime;
   char request[kRequestBytes];
   const char reply[kReplyBytes] = {};
   while (pair.receive(request, kRequestBytes) > 0) {
     int replies = 0;
     std::memcpy(&replies, request, sizeof replies);
+    if (replies == kOnThreads && !serveOnThreads(pair, runtime)) return;
     for (; replies > 0; --replies) {
       if (!pair.send(reply, kReplyBytes)) return;
     }
   }
 }
 
-bool rawRun(const RawPair& raw) {
+bool rawRun(const RawPair& raw, bool isOnThreads) {
   bool good = true;
   char reply[kReplyBytes];
-  for (const int replies : kReplies) {
+  for (const int& replies : kReplies) {
     char request[kRequestBytes] = {};
-    std::memcpy(request, &replies, sizeof replies);
+    const int told = isOnThreads && &replies == kReplies ? kOnThreads : replies;
+    std::memcpy(request, &told, sizeof told);
     good &= raw.send(request, kRequestBytes);
     for (int i = 0; i < replies; ++i) good &= raw.receive(reply, kReplyBytes) == kReplyBytes;
   }
@@ -68,17 +134,23 @@ void EmptyRun(benchmark::State& state, const RawPair& raw, OuterRuntime& runtime
   for (auto _ : state) {
     bool good = true;
     const auto floor = [&] {
-      for (int i = 0; i < kRuns; ++i) good &= rawRun(raw);
+      for (int i = 0; i < kRuns; ++i) good &= rawRun(raw, false);
+    };
+    const auto floorOnThreads = [&] {
+      for (int i = 0; i < kRuns; ++i) good &= rawRun(raw, true);
     };
     const auto runs = [&] {
       for (int i = 0; i < kRuns; ++i) good &= runtime.run({}) == 0;
     };
     const Comparison figures = kova::bench::compare(floor, runs);
+    const Comparison onThreads = kova::bench::compare(floorOnThreads, runs);
     if (!good) state.SkipWithError("a run failed");
     state.SetIterationTime(figures.oursUs / kRuns / 1e6);
     state.counters["raw_us"] = figures.floorUs / kRuns;
     state.counters["run_us"] = figures.oursUs / kRuns;
     state.counters["ratio"] = figures.ratio;
+    state.counters["raw_on_threads_us"] = onThreads.floorUs / kRuns;
+    state.counters["ratio_on_threads"] = onThreads.ratio;
   }
 }
 

@@ -1,14 +1,9 @@
 #include <malloc.h>
 
-#include <filesystem>
-#include <iterator>
-
 #include "programs/startxd/driver_usage.h"
+#include "tests/kit/kit_system.h"
 
-int usedHandles() {
-  const std::filesystem::directory_iterator all("/proc/self/fd");
-  return static_cast<int>(std::distance(begin(all), end(all))) - 1;  // The look itself opens one.
-}
+int usedHandles() { return kova::kit::systemHandleCount(); }
 
 int usedBytes() {
   const struct mallinfo2 info = mallinfo2();
