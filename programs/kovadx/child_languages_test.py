@@ -177,7 +177,7 @@ class ProcessesThatOutlastTheEngine(ProcessesOfTheScript):
     """Only a process that watches the engine itself takes its own along when the engine ends without ending it."""
 
     def test_a_script_that_ends_without_its_engine(self):
-        process, _ = self.start_script("outlives")
+        process, _ = self.start_script("outlives", "first")
         killed = time.monotonic()
         process.kill()
         self.wait_until_gone(killed)

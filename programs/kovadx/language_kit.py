@@ -212,10 +212,11 @@ class LanguageTest(KovadxTest):
     def summary(self):
         return self.language.SUMMARY or kovadx_kit.options.home / "examples" / "penguins" / "Summary.jar"
 
-    def start_script(self, name):
-        """Starts a script and waits until it has begun: kovadx, and the language's process."""
+    def start_script(self, name, *shown):
+        """Starts a script and waits until it has begun, having shown these lines: kovadx, and the language's process."""
         process = self.start(*self.arguments(self.language.write(self, name)))
-        self.assertIn(BEGUN, map(str.rstrip, process.stdout))
+        for line in (*shown, BEGUN):
+            self.assertEqual(process.stdout.readline().rstrip(), line)
         return process, next(pid for pid in self.children() if self.parent_of(pid) == process.pid)
 
     @staticmethod
